@@ -1,0 +1,17 @@
+#pragma once
+
+#include <archive/core/error/messages/MessageClass.hpp>
+
+namespace TESSEL::io::archive::createArchive {
+
+// Raised under "TESSEL:io:archive:zip:DiskSpaceFull" or "TESSEL:io:archive:tar:DiskSpaceFull".
+TQ_MESSAGE_CLASS("TESSEL:io:archive:createArchive", DiskSpaceFull, 1);  // archive path
+TQ_MESSAGE_CLASS("TESSEL:io:archive:createArchive", emptyPassword, 0);
+TQ_MESSAGE_CLASS("TESSEL:io:archive:createArchive", invalidArchiveFormat, 0);
+TQ_MESSAGE_CLASS("TESSEL:io:archive:createArchive", invalidEncryptionInLinux, 0);
+TQ_MESSAGE_CLASS("TESSEL:io:archive:createArchive", unsupportedEncryptionInLinux, 0);
+TQ_MESSAGE_CLASS("TESSEL:io:archive:createArchive", invalidNumberOfArgs, 0);
+// A warning; also issued under "TESSEL:zip:openEntryError" and "TESSEL:tar:openEntryError".
+TQ_MESSAGE_CLASS("TESSEL:io:archive:createArchive", openEntryError, 1);  // path, UTF-8
+
+}  // namespace TESSEL::io::archive::createArchive

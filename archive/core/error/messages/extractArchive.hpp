@@ -1,0 +1,20 @@
+#pragma once
+
+#include <archive/core/error/messages/MessageClass.hpp>
+
+namespace TESSEL::io::archive::extractArchive {
+
+TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", unableToWrite, 2);       // archive, reason
+TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", emptyEntryFilename, 2);  // format, archive
+TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", incorrectPassword, 0);
+TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", protectedEntry, 0);
+TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", outputDiskFull, 0);
+TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", unsupportedEncryptionInLinux, 0);
+TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", OverwriteOpenFile, 1);  // target path
+TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", internalError, 0);
+// Warnings, each with one UTF-8 path.
+TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", unableToCreate, 1);
+TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", unableToOverwrite, 1);
+TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", removeControlM, 1);
+
+}  // namespace TESSEL::io::archive::extractArchive
