@@ -21,6 +21,7 @@ class HostPath {
 public:
     HostPath() = default;
     explicit HostPath(std::u16string text);
+    explicit HostPath(const char16_t* text) : HostPath(std::u16string(text)) {}
     explicit HostPath(const std::filesystem::path& path);
 
     // Decodes file-system text (UTF-8 on Linux) into a path.

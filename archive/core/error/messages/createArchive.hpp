@@ -11,6 +11,8 @@ TQ_MESSAGE_CLASS("TESSEL:io:archive:createArchive", invalidArchiveFormat, 0);
 TQ_MESSAGE_CLASS("TESSEL:io:archive:createArchive", invalidEncryptionInLinux, 0);
 TQ_MESSAGE_CLASS("TESSEL:io:archive:createArchive", unsupportedEncryptionInLinux, 0);
 TQ_MESSAGE_CLASS("TESSEL:io:archive:createArchive", invalidNumberOfArgs, 0);
+// Fewer entry names than files: refused before the archive is created.
+TQ_MESSAGE_CLASS("TESSEL:io:archive:createArchive", entryNameCountMismatch, 2);  // files, names
 // A warning; also issued under "TESSEL:zip:openEntryError" and "TESSEL:tar:openEntryError".
 TQ_MESSAGE_CLASS("TESSEL:io:archive:createArchive", openEntryError, 1);  // path, UTF-8
 
