@@ -1,0 +1,128 @@
+#include <archive/core/objects/ArchiveDiskWriter.hpp>
+
+#include <cerrno>
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include <archive/core/error/StatusChecks.hpp>
+#include <archive/core/log/LogLevel.hpp>
+#include <archive/core/log/LogRecord.hpp>
+#include <archive/core/objects/checkOverwritable.hpp>
+#include <host/FileSystemError.hpp>
+
+namespace tessel::io::archive::core {
+
+namespace {
+
+// Permissions, times, ACLs and file flags are restored; owners and extended attributes
+// are not, and no secure-path or no-overwrite flag is set: existing files are replaced.
+constexpr int kDiskWriteOptions =
+    ARCHIVE_EXTRACT_PERM | ARCHIVE_EXTRACT_TIME | ARCHIVE_EXTRACT_ACL | ARCHIVE_EXTRACT_FFLAGS;
+static_assert(kDiskWriteOptions == 0x66);
+
+constexpr const char* kCannotUnlink = "Can't unlink already-existing object";
+constexpr const char* kWriteFailed = "Write failed";
+
+bool isStrictGz(const std::optional<ArchiveFormat>& strictFormat) {
+    return strictFormat.has_value() && *strictFormat == ArchiveFormat::Gz;
+}
+
+// The entry's on-disk path; a missing pathname is a programming error, as when a
+// std::string is built from a null pointer.
+tessel::host::HostPath entryPath(::archive_entry* entry) {
+    const char* name = archive_entry_pathname(entry);
+    if (name == nullptr) {
+        throw std::logic_error("basic_string: construction from null is not valid");
+    }
+    return tessel::host::HostPath::fromFileSystem(name).nativeForm();
+}
+
+}  // namespace
+
+ArchiveDiskWriter::ArchiveDiskWriter(tessel::host::HostPath outputFolder)
+    : handle_(archive_write_disk_new()), outputFolder_(std::move(outputFolder)) {
+    if (!handle_) {
+        throw std::bad_alloc();
+    }
+    archive_write_disk_set_options(handle_.get(), kDiskWriteOptions);
+    archive_write_disk_set_standard_lookup(handle_.get());
+}
+
+ArchiveDiskWriter::~ArchiveDiskWriter() {
+    handle_.reset();
+}
+
+bool ArchiveDiskWriter::writeHeader(::archive_entry* entry,
+                                    std::optional<ArchiveFormat> strictFormat) {
+    currentEntryPath_.reset();
+    tessel::host::HostPath path = entryPath(entry);
+
+    if (const PathProblem problem = checkOverwritable(path)) {
+        if (isStrictGz(strictFormat)) {
+            throwArchiveErrorWithMessage(*problem, path.native());
+        }
+        warnForPath(*problem, path, ArchiveFormat::All);
+        return false;
+    }
+
+    ::archive* handle = handle_.get();
+    if (archive_write_header(handle, entry) != ARCHIVE_OK) {
+        const NullArchiveRule rule = libarchiveErrorString(handle, 1) == kCannotUnlink
+                                         ? NullArchiveRule::OverwriteOpenFile
+                                         : NullArchiveRule::InvalidEntryHeader;
+        if (isStrictGz(strictFormat)) {
+            throwArchiveErrorForPath(rule, handle, entry);
+        }
+        warnArchiveError(rule, handle, path);
+        return false;
+    }
+
+    currentEntryPath_ = std::move(path);
+    ARCHIVE_LOG(LogStep) << "Wrote extracted entry file to disk-->" << *currentEntryPath_;
+    return true;
+}
+
+int ArchiveDiskWriter::writeDataBlock(const void* buffer, std::size_t size, la_int64_t offset) {
+    ::archive* handle = handle_.get();
+    const auto status = static_cast<int>(archive_write_data_block(handle, buffer, size, offset));
+    if (status == ARCHIVE_OK) {
+        return status;
+    }
+    const std::string text = libarchiveErrorString(handle, 1);
+    if (archive_errno(handle) == ENOSPC && text == kWriteFailed) {
+        throwArchiveError(NullArchiveRule::DiskSpaceFull, handle);
+    }
+    return status;
+}
+
+void ArchiveDiskWriter::recordWrittenFile(::archive_entry* entry) {
+    const tessel::host::HostPath path = entryPath(entry);
+    std::u16string text = path.native();
+    if (path.status().isFolder) {
+        text.push_back(tessel::host::HostPath::separator());
+    }
+    writtenFiles_.push_back(std::move(text));
+}
+
+void ArchiveDiskWriter::deleteCurrentEntryFile() {
+    if (!currentEntryPath_) {
+        return;
+    }
+    // The file must be closed before it can go; a warning still means it was closed.
+    if (archive_write_finish_entry(handle_.get()) < ARCHIVE_WARN) {
+        ARCHIVE_LOG(LogStep) << "Unable to close file before deletion";
+        return;
+    }
+    const tessel::host::HostPath path = std::move(*currentEntryPath_);
+    currentEntryPath_.reset();
+    try {
+        path.remove();
+    } catch (const tessel::host::FileSystemError&) {
+        // Cleanup on a failure path: the failure being reported matters more.
+    }
+    ARCHIVE_LOG(LogStep) << "Successfully deleted file from disk-->" << path;
+}
+
+}  // namespace tessel::io::archive::core

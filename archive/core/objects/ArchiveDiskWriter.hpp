@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <archive.h>
+#include <archive_entry.h>
+
+#include <archive/core/objects/ArchiveFormat.hpp>
+#include <host/HostPath.hpp>
+
+namespace tessel::io::archive::core {
+
+// Writes archive entries to disk through one libarchive write-disk handle, restoring
+// permissions, times, ACLs and file flags. Keeps the paths of the entries it completed
+// and can delete the file of the entry in progress.
+class ArchiveDiskWriter {
+  public:
+    explicit ArchiveDiskWriter(tessel::host::HostPath outputFolder);
+    ~ArchiveDiskWriter();
+    ArchiveDiskWriter(const ArchiveDiskWriter&) = delete;
+    ArchiveDiskWriter& operator=(const ArchiveDiskWriter&) = delete;
+    ArchiveDiskWriter(ArchiveDiskWriter&&) = delete;
+    ArchiveDiskWriter& operator=(ArchiveDiskWriter&&) = delete;
+
+    std::u16string outputFolder() const { return outputFolder_.native(); }
+    const std::vector<std::u16string>& writtenFiles() const noexcept { return writtenFiles_; }
+
+    // Starts the entry at its pathname (already the full on-disk path). false: the entry
+    // is to be skipped, its warning issued. With the strict format Gz every refusal
+    // raises instead.
+    bool writeHeader(::archive_entry* entry,
+                     std::optional<ArchiveFormat> strictFormat = std::nullopt);
+
+    // libarchive's status; a full disk raises DiskSpaceFull.
+    int writeDataBlock(const void* buffer, std::size_t size, la_int64_t offset);
+
+    // Lists the entry's path (folders with a trailing separator) once its data is copied.
+    void recordWrittenFile(::archive_entry* entry);
+
+    // Removes the file of the entry whose header was written last, if any.
+    void deleteCurrentEntryFile();
+
+  private:
+    struct HandleCloser {
+        void operator()(::archive* handle) const noexcept {
+            archive_write_close(handle);
+            archive_write_free(handle);
+        }
+    };
+
+    std::unique_ptr<::archive, HandleCloser> handle_;
+    std::vector<std::u16string> writtenFiles_;
+    tessel::host::HostPath outputFolder_;
+    std::optional<tessel::host::HostPath> currentEntryPath_;
+};
+
+}  // namespace tessel::io::archive::core
