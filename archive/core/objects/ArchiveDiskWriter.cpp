@@ -39,6 +39,19 @@ tessel::host::HostPath entryPath(::archive_entry* entry) {
     return tessel::host::HostPath::fromFileSystem(name).nativeForm();
 }
 
+// The status query follows links: a link whose target is not (yet) there is written
+// all the same, and is no folder.
+bool isFolder(const tessel::host::HostPath& path) {
+    try {
+        return path.status().isFolder;
+    } catch (const tessel::host::FileSystemError& error) {
+        if (error.kind() == tessel::host::FileSystemError::NotFound) {
+            return false;
+        }
+        throw;
+    }
+}
+
 }  // namespace
 
 ArchiveDiskWriter::ArchiveDiskWriter(tessel::host::HostPath outputFolder)
@@ -100,8 +113,10 @@ int ArchiveDiskWriter::writeDataBlock(const void* buffer, std::size_t size, la_i
 void ArchiveDiskWriter::recordWrittenFile(::archive_entry* entry) {
     const tessel::host::HostPath path = entryPath(entry);
     std::u16string text = path.native();
-    if (path.status().isFolder) {
-        text.push_back(tessel::host::HostPath::separator());
+    const char16_t separator = tessel::host::HostPath::separator();
+    // Folder entries often carry their separator already ("dir/"): list it once.
+    if (isFolder(path) && (text.empty() || text.back() != separator)) {
+        text.push_back(separator);
     }
     writtenFiles_.push_back(std::move(text));
 }
