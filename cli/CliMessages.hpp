@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <host/HostError.hpp>
+#include <host/MessageArgument.hpp>
+
+namespace tqarchive {
+
+// The program's own message identifiers: "tqarchive:<mnemonic>" for a run that failed,
+// "tqarchive:usage:<mnemonic>" for a command line that cannot be run (exit status 2).
+inline constexpr const char* kComponent = "tqarchive";
+inline constexpr const char* kUsageComponent = "tqarchive:usage";
+
+[[noreturn]] void raiseError(const char* mnemonic,
+                             std::vector<tessel::host::MessageArgument> arguments = {});
+[[noreturn]] void raiseUsageError(const char* mnemonic,
+                                  std::vector<tessel::host::MessageArgument> arguments = {});
+void issueWarning(const char* mnemonic, std::vector<tessel::host::MessageArgument> arguments);
+
+bool isUsageError(const tessel::host::HostError& error);
+
+}  // namespace tqarchive

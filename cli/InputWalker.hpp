@@ -1,0 +1,54 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <filesystem>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tqarchive {
+
+// One file or folder to pack: where it is on disk and the name it gets, relative to the
+// base it was added under, "/"-separated, folders ending in "/".
+struct WalkedInput {
+    std::filesystem::path diskPath;
+    std::string name;
+    bool folder = false;
+    bool nested = false;  // found beneath a folder input rather than named as an input
+};
+
+// Expands inputs into the files and folders beneath them, depth first, each folder's
+// children in sorted order. Symbolic links are followed, as the archive reader follows
+// them; a link leading back into a folder that contains it is reported and left out, as
+// are broken links and special files (pipes, sockets, devices), which would block or
+// fail the whole run. A path reached twice is listed once.
+class InputWalker {
+  public:
+    // A file never to be listed (the archive being written), when it exists.
+    void exclude(const std::filesystem::path& file);
+
+    // Adds an input named relative to base (an absolute, lexically normal folder). An
+    // input outside base raises "tqarchive:inputOutsideRoot"; a missing one
+    // "tqarchive:inputNotFound".
+    void add(const std::filesystem::path& input, const std::filesystem::path& base);
+
+    const std::vector<WalkedInput>& inputs() const noexcept { return inputs_; }
+
+    // The absolute, lexically normal form of a path (against the current folder).
+    static std::filesystem::path normal(const std::filesystem::path& path);
+
+  private:
+    using FileId = std::pair<dev_t, ino_t>;
+
+    void visit(const std::filesystem::path& diskPath, const std::string& name,
+               std::vector<FileId>& ancestors, bool nested);
+    void emit(const std::filesystem::path& diskPath, std::string name, bool folder, bool nested);
+
+    std::vector<WalkedInput> inputs_;
+    std::set<std::filesystem::path> seen_;
+    std::set<FileId> excluded_;
+};
+
+}  // namespace tqarchive

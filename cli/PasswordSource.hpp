@@ -1,0 +1,21 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "CommandLine.hpp"
+
+namespace tqarchive {
+
+// Where the password of a run comes from: --password P, --password-file F (its first
+// line), or a prompt on the terminal for a bare --password. Nothing when none was asked.
+class PasswordSource {
+  public:
+    static std::optional<std::string> resolve(const CommandLine& commandLine);
+
+  private:
+    static std::string fromFile(const std::string& path);
+    static std::string fromTerminal();
+};
+
+}  // namespace tqarchive
