@@ -1,0 +1,205 @@
+#include <archive/core/objects/ArchiveCreator.hpp>
+
+#include <archive.h>
+#include <archive_entry.h>
+
+#include <cerrno>
+#include <new>
+
+#include <archive/core/error/StatusChecks.hpp>
+#include <archive/core/log/LogLevel.hpp>
+#include <archive/core/log/LogRecord.hpp>
+#include <host/FileSystemError.hpp>
+#include <host/TextConversion.hpp>
+
+namespace tessel::io::archive::core {
+
+using tessel::host::HostPath;
+
+namespace {
+
+// libarchive's own texts, compared whole to tell failures of one status apart.
+constexpr const char* kEmptyPassphrase = "Empty passphrase is unacceptable";
+constexpr const char* kEncryptionNotSupported = "encryption not supported";
+constexpr const char* kWriteError = "Write error";
+
+::archive* newWriteHandle() {
+    ::archive* handle = archive_write_new();
+    if (handle == nullptr) {
+        throw std::bad_alloc();  // every later call would dereference it
+    }
+    return handle;
+}
+
+HostPath absoluteArchivePath(HostPath path) {
+    return path.isAbsolute() ? path : path.absolute(HostPath());
+}
+
+}  // namespace
+
+void ArchiveCreator::WriteHandleCloser::operator()(::archive* handle) const noexcept {
+    // Closing writes the trailer or central directory; nobody is left to hear a failure.
+    archive_write_close(handle);
+    archive_write_free(handle);
+}
+
+ArchiveCreator::ArchiveCreator(HostPath archivePath, ArchiveFormat format)
+    : handle_(newWriteHandle()),
+      archivePath_(absoluteArchivePath(std::move(archivePath))),
+      format_(format) {
+    setFormat(format_);
+    openArchiveFile();
+}
+
+ArchiveCreator::ArchiveCreator(HostPath archivePath, const std::u16string& password,
+                               const std::u16string& encryptionMethod, ArchiveFormat format)
+    : handle_(newWriteHandle()),
+      archivePath_(absoluteArchivePath(std::move(archivePath))),
+      format_(format) {
+    setFormat(format_);
+
+    const std::string passphrase = tessel::host::toNarrow(password);
+    if (archive_write_set_passphrase(handle_.get(), passphrase.c_str()) != ARCHIVE_OK &&
+        libarchiveErrorString(handle_.get(), 1) == kEmptyPassphrase) {
+        throwArchiveError(NullArchiveRule::EmptyPassphrase, handle_.get());
+    }
+    // Other refusals are not fatal: libarchive keeps no passphrase and says so again
+    // when an entry needs one.
+    ARCHIVE_LOG(LogStep) << "Password set to create a password-protected archive.";
+
+    const std::string method = tessel::host::toNarrow(encryptionMethod);
+    const std::string option = "zip:encryption=" + method;
+    if (archive_write_set_options(handle_.get(), option.c_str()) != ARCHIVE_OK) {
+        const std::string message = libarchiveErrorString(handle_.get(), 1);
+        if (message == "zip: unknown encryption '" + method + "'") {
+            throwArchiveError(NullArchiveRule::EncryptionNotSupported, handle_.get());
+        }
+        if (message == kEncryptionNotSupported) {
+            throwArchiveError(NullArchiveRule::CryptoUnsupported, handle_.get());
+        }
+        throwArchiveError(NullArchiveRule::CouldNotSetWriteOptions, handle_.get());
+    }
+    ARCHIVE_LOG(LogStep) << "Encryption method used to create a password-protected archive-->"
+                         << method;
+
+    openArchiveFile();
+}
+
+ArchiveCreator::~ArchiveCreator() = default;
+
+void ArchiveCreator::setFormat(ArchiveFormat format) {
+    ::archive* handle = handle_.get();
+    switch (format) {
+        case ArchiveFormat::Zip:
+            if (archive_write_set_format_zip(handle) != ARCHIVE_OK) {
+                throwArchiveError(NullArchiveRule::UnableToSetFormat, handle);
+            }
+            break;
+        case ArchiveFormat::Tar:
+            if (archive_write_set_format_pax_restricted(handle) != ARCHIVE_OK) {
+                throwArchiveError(NullArchiveRule::UnableToSetFormat, handle);
+            }
+            break;
+        case ArchiveFormat::Gz:
+            if (archive_write_set_format_raw(handle) != ARCHIVE_OK) {
+                throwArchiveError(NullArchiveRule::UnableToSetFormat, handle);
+            }
+            if (archive_write_add_filter_gzip(handle) != ARCHIVE_OK) {
+                throwArchiveError(NullArchiveRule::UnableToSetFilter, handle);
+            }
+            break;
+        case ArchiveFormat::Tgz:
+            if (archive_write_set_format_pax_restricted(handle) != ARCHIVE_OK) {
+                throwArchiveError(NullArchiveRule::UnableToSetFormat, handle);
+            }
+            if (archive_write_add_filter_gzip(handle) != ARCHIVE_OK) {
+                throwArchiveError(NullArchiveRule::UnableToSetFilter, handle);
+            }
+            break;
+        default:
+            // "all" and unknown format texts: the archive's extension decides.
+            if (archive_write_set_format_filter_by_ext(handle, archivePath_.access().c_str()) !=
+                ARCHIVE_OK) {
+                throwArchiveError(NullArchiveRule::UnableToSetFormat, handle);
+            }
+            break;
+    }
+}
+
+void ArchiveCreator::openArchiveFile() {
+    if (archive_write_open_filename(handle_.get(), archivePath_.access().c_str()) != ARCHIVE_OK) {
+        throwArchiveError(archive_errno(handle_.get()) == EACCES
+                              ? NullArchiveRule::AccessDenied
+                              : NullArchiveRule::CouldNotOpenArchiveForWriting,
+                          handle_.get());
+    }
+    ARCHIVE_LOG(LogOpen) << "Opened archive file for creating destination archive on disk-->"
+                         << archivePath_;
+}
+
+bool ArchiveCreator::writeHeader(::archive_entry* entry) {
+    const char* pathname = archive_entry_pathname(entry);
+    const HostPath name = (pathname == nullptr || *pathname == '\0')
+                              ? HostPath()
+                              : HostPath::fromFileSystem(pathname).nativeForm();
+    // Warnings count as refusals too: the entry may be stored other than asked.
+    if (archive_write_header(handle_.get(), entry) != ARCHIVE_OK) {
+        warnArchiveError(NullArchiveRule::InvalidEntryHeader, handle_.get(), name);
+        return false;
+    }
+    ARCHIVE_LOG(LogStep) << "Wrote entry to destination archive-->" << name;
+    return true;
+}
+
+void ArchiveCreator::writeData(const void* bytes, std::size_t count) {
+    if (archive_write_data(handle_.get(), bytes, count) >= 0) {
+        return;
+    }
+    // Only the file writer's own text with ENOSPC is a full disk; a full disk reported
+    // any other way is a plain write failure.
+    const bool diskFull = archive_errno(handle_.get()) == ENOSPC &&
+                          libarchiveErrorString(handle_.get(), 1) == kWriteError;
+    throwArchiveError(
+        diskFull ? NullArchiveRule::DiskSpaceFull : NullArchiveRule::CouldNotWriteFile,
+        handle_.get());
+}
+
+void ArchiveCreator::finish() {
+    if (archive_write_close(handle_.get()) == ARCHIVE_OK) {
+        return;
+    }
+    const bool diskFull = archive_errno(handle_.get()) == ENOSPC &&
+                          libarchiveErrorString(handle_.get(), 1) == kWriteError;
+    throwArchiveError(
+        diskFull ? NullArchiveRule::DiskSpaceFull : NullArchiveRule::CouldNotCloseFile,
+        handle_.get());
+}
+
+void ArchiveCreator::addEntryName(::archive_entry* entry) {
+    const char* pathname = archive_entry_pathname(entry);
+    std::u16string name = pathname == nullptr ? std::u16string() : tessel::host::fromUtf8(pathname);
+    // Tar stores folders as "name/"; callers get the folder's name. Zip keeps the slash.
+    if ((format_ == ArchiveFormat::Tar || format_ == ArchiveFormat::Tgz) && !name.empty() &&
+        name.back() == HostPath::genericSeparator()) {
+        name.pop_back();
+    }
+    entryNames_.push_back(std::move(name));
+}
+
+void ArchiveCreator::deleteArchiveFile() {
+    if (archive_write_close(handle_.get()) != ARCHIVE_OK) {
+        ARCHIVE_LOG(LogStep) << "Unable to close archive file for deletion.";
+        return;
+    }
+    if (!archivePath_.empty()) {
+        try {
+            archivePath_.remove();
+        } catch (const tessel::host::FileSystemError&) {
+            return;  // the file stays; the caller's error is the one that matters
+        }
+    }
+    ARCHIVE_LOG(LogStep) << "Successfully deleted archive file from disk-->"
+                         << archivePath_.native();
+}
+
+}  // namespace tessel::io::archive::core

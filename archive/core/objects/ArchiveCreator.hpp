@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <archive/core/objects/ArchiveFormat.hpp>
+#include <host/HostPath.hpp>
+
+struct archive;
+struct archive_entry;
+
+namespace tessel::io::archive::core {
+
+// Owns one libarchive write handle opened on a new archive file: chooses format and
+// filter, optionally a passphrase and the zip encryption method, writes entry headers
+// and data, and keeps the names of the entries written. Destroying it finishes the
+// archive (trailer or central directory) and closes the file.
+class ArchiveCreator {
+  public:
+    // Failures throw ArchiveException: UnableToSetFormat, UnableToSetFilter, AccessDenied,
+    // CouldNotOpenArchiveForWriting.
+    ArchiveCreator(tessel::host::HostPath archivePath, ArchiveFormat format);
+    // Also EmptyPassphrase, EncryptionNotSupported, CryptoUnsupported and
+    // CouldNotSetWriteOptions (the zip option is refused by every other format).
+    ArchiveCreator(tessel::host::HostPath archivePath, const std::u16string& password,
+                   const std::u16string& encryptionMethod, ArchiveFormat format);
+    ~ArchiveCreator();
+
+    ArchiveCreator(const ArchiveCreator&) = delete;
+    ArchiveCreator& operator=(const ArchiveCreator&) = delete;
+    ArchiveCreator(ArchiveCreator&&) = delete;
+    ArchiveCreator& operator=(ArchiveCreator&&) = delete;
+
+    // A refused header is a warning (openEntryError), never an exception.
+    bool writeHeader(::archive_entry* entry);
+    // Throws DiskSpaceFull (errno 28 with "Write error") or CouldNotWriteFile.
+    void writeData(const void* bytes, std::size_t count);
+    void addEntryName(::archive_entry* entry);
+    const std::vector<std::u16string>& getEntryNames() const noexcept { return entryNames_; }
+    // Writes the trailer or central directory and closes the file, so that a failure of
+    // the last writes (a full disk often shows only here) is reported: DiskSpaceFull or
+    // CouldNotCloseFile. Afterwards the creator must only be destroyed.
+    void finish();
+    // Closes the archive and removes its file; a failed close keeps the file. Afterwards
+    // the creator must only be destroyed.
+    void deleteArchiveFile();
+
+    const tessel::host::HostPath& archivePath() const noexcept { return archivePath_; }
+
+  private:
+    struct WriteHandleCloser {
+        void operator()(::archive* handle) const noexcept;
+    };
+
+    void setFormat(ArchiveFormat format);
+    void openArchiveFile();
+
+    std::unique_ptr<::archive, WriteHandleCloser> handle_;
+    tessel::host::HostPath archivePath_;
+    std::vector<std::u16string> entryNames_;
+    ArchiveFormat format_;
+};
+
+}  // namespace tessel::io::archive::core

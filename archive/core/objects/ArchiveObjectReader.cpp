@@ -1,0 +1,100 @@
+#include <archive/core/objects/ArchiveObjectReader.hpp>
+
+#include <archive.h>
+#include <archive_entry.h>
+
+#include <new>
+#include <stdexcept>
+
+#include <archive/core/error/StatusChecks.hpp>
+#include <archive/core/log/LogLevel.hpp>
+#include <archive/core/log/LogRecord.hpp>
+#include <archive/core/objects/checkReadable.hpp>
+#include <host/FileSystemError.hpp>
+
+namespace tessel::io::archive::core {
+
+using tessel::host::HostPath;
+
+namespace {
+
+::archive* newReadDiskHandle() {
+    ::archive* handle = archive_read_disk_new();
+    if (handle == nullptr) {
+        throw std::bad_alloc();
+    }
+    return handle;
+}
+
+// A status that cannot be read (access denied) is left to nextHeader, which tells it apart.
+bool pathExists(const HostPath& path) {
+    try {
+        return path.exists();
+    } catch (const tessel::host::FileSystemError&) {
+        return true;
+    }
+}
+
+}  // namespace
+
+void ArchiveObjectReader::ReadHandleCloser::operator()(::archive* handle) const noexcept {
+    archive_read_close(handle);
+    archive_read_free(handle);
+}
+
+ArchiveObjectReader::ArchiveObjectReader(HostPath path, const ArchiveFormat& format)
+    : handle_(newReadDiskHandle()), path_(std::move(path)), format_(format) {
+    // Follow links so that the entry describes the file the user meant, not the link.
+    if (archive_read_disk_set_symlink_logical(handle_.get()) != ARCHIVE_OK) {
+        throwArchiveError(NullArchiveRule::CouldNotSetSymlinkMode, handle_.get());
+    }
+    if (archive_read_disk_open(handle_.get(), path_.access().c_str()) != ARCHIVE_OK) {
+        throwArchiveError(NullArchiveRule::CouldNotOpenFile, handle_.get());
+    }
+    // libarchive only looks at the path when the first header is read; a path that is not
+    // there fails here, so that it fails the call whatever entry name it was given.
+    if (!pathExists(path_)) {
+        throwArchiveErrorWithMessage(NullArchiveRule::CouldNotOpenFile, path_.native());
+    }
+    ARCHIVE_LOG(LogOpen) << "Opened file on disk for reading-->" << path_;
+}
+
+ArchiveObjectReader::~ArchiveObjectReader() = default;
+
+bool ArchiveObjectReader::nextHeader(::archive_entry** entry) {
+    // Checked on every call: the file may have changed since the reader was opened.
+    if (const auto rule = checkReadable(path_)) {
+        if (format_ == ArchiveFormat::Gz || *rule != NullArchiveRule::OpenEntryError) {
+            throwArchiveErrorWithMessage(*rule, path_.native());
+        }
+        warnForPath(NullArchiveRule::OpenEntryError, path_, format_);
+        return false;
+    }
+    const int status = archive_read_next_header(handle_.get(), entry);
+    if (status == ARCHIVE_OK) {
+        ARCHIVE_LOG(LogStep) << "Read entry from file on disk-->" << entryPathname(*entry);
+        return true;
+    }
+    if (status == ARCHIVE_EOF) {
+        ARCHIVE_LOG(LogStep) << "Reached end of file on disk-->" << path_;
+        return false;
+    }
+    if (format_ == ArchiveFormat::Gz) {
+        throwArchiveError(NullArchiveRule::InvalidEntryHeader, handle_.get());
+    }
+    warnForPath(NullArchiveRule::InvalidEntryHeader, path_, format_);
+    return false;
+}
+
+HostPath ArchiveObjectReader::entryPathname(::archive_entry* entry) {
+    const char* pathname = archive_entry_pathname(entry);
+    if (pathname == nullptr) {
+        throw std::logic_error("archive entry without a pathname");
+    }
+    if (*pathname == '\0') {
+        return HostPath();
+    }
+    return HostPath::fromFileSystem(pathname).nativeForm();
+}
+
+}  // namespace tessel::io::archive::core

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <ios>
+
+#include <archive/core/objects/ArchiveCreator.hpp>
+#include <archive/core/objects/CopyBuffer.hpp>
+
+struct archive_entry;
+
+namespace tessel::io::archive::core {
+
+// Streams the entry's source file into the archive, chunkSize bytes at a time. A source
+// that cannot be opened or read (a folder, a file that vanished) gives no data and no
+// report; write failures propagate from ArchiveCreator::writeData.
+void copyFileContent(CopyBuffer& buffer, ArchiveCreator& creator, ::archive_entry* entry,
+                     std::streamsize chunkSize);
+
+}  // namespace tessel::io::archive::core
