@@ -27,7 +27,7 @@ BOOST_LOG_ATTRIBUTE_KEYWORD(logSeverity, "Severity", int)
 // by record); without it records are discarded silently. TQARCHIVE_LOG_LEVELS, a
 // comma-separated subset of 1,4,512, sets the mask of every logger (default: all).
 class DiagnosticLogger {
-public:
+  public:
     static constexpr std::uint32_t AllLevels = 1u | 4u | 512u;
 
     explicit DiagnosticLogger(std::string channel);
@@ -50,7 +50,7 @@ public:
     // How many times the lock was taken (a test hook for "the lock is never taken").
     std::uint64_t lockCount() const noexcept { return lockCount_.load(); }
 
-private:
+  private:
     std::string channel_;
     boost::shared_ptr<boost::log::core> core_;
     boost::log::attribute_set attributes_;

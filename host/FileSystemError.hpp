@@ -7,7 +7,7 @@ namespace tessel::host {
 
 // The host's file-system failure. Only the access-denied kind is told apart by callers.
 class FileSystemError : public std::runtime_error {
-public:
+  public:
     static constexpr int AccessDenied = 6;
     static constexpr int NotFound = 2;
     static constexpr int Other = 1;
@@ -16,7 +16,7 @@ public:
 
     int kind() const noexcept { return kind_; }
 
-private:
+  private:
     int kind_;
 };
 

@@ -11,7 +11,7 @@ namespace tessel::host {
 
 // The message-identified exception the host raises to its user (its user-error interface).
 class HostError : public std::exception {
-public:
+  public:
     HostError(const MessageIdError& error, std::string identifier);
 
     // The identifier the error was raised under (the overriding one where one was given).
@@ -25,7 +25,7 @@ public:
     virtual HostError* clone() const { return new HostError(*this); }
     [[noreturn]] virtual void rethrow() const { throw *this; }
 
-private:
+  private:
     MessageIdError base_;
     std::string identifier_;
     std::string text_;
@@ -51,5 +51,7 @@ std::string lookupMessageUtf8(const std::string& identifier,
                               const std::vector<MessageArgument>& arguments = {});
 // Whether the catalogue holds the identifier.
 bool catalogueHas(const std::string& identifier);
+// Every identifier the catalogue holds, in catalogue order.
+std::vector<std::string> catalogueIdentifiers();
 
 }  // namespace tessel::host

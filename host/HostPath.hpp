@@ -18,7 +18,7 @@ struct FileStatus {
 // The host's path value: UTF-16 text over std::filesystem. On Linux the native and
 // generic forms coincide and the access form (for operating-system calls) is UTF-8.
 class HostPath {
-public:
+  public:
     HostPath() = default;
     explicit HostPath(std::u16string text);
     explicit HostPath(const char16_t* text) : HostPath(std::u16string(text)) {}
@@ -64,7 +64,7 @@ public:
 
     friend bool operator==(const HostPath&, const HostPath&) = default;
 
-private:
+  private:
     std::u16string text_;
 };
 

@@ -11,7 +11,7 @@ namespace tessel::host {
 // A message-identified error or warning: the identifier is component ":" mnemonic,
 // the text comes from the host's message catalogue with the arguments filled in.
 class MessageIdError {
-public:
+  public:
     MessageIdError(std::string component, std::string mnemonic,
                    std::vector<MessageArgument> arguments = {});
     // The generic form: count empty UTF-16 arguments, assigned by the caller in order.
@@ -35,7 +35,7 @@ public:
     void warn() const;
     void warn(const std::string& overridingIdentifier) const;
 
-private:
+  private:
     std::vector<MessageArgument> arguments_;
     std::string component_;
     std::string mnemonic_;

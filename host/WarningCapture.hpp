@@ -13,7 +13,7 @@ struct IssuedWarning {
 // While alive, records the warnings issued on its thread instead of printing them.
 // Captures nest: the innermost one records.
 class WarningCapture {
-public:
+  public:
     WarningCapture();
     ~WarningCapture();
     WarningCapture(const WarningCapture&) = delete;
@@ -25,7 +25,7 @@ public:
     static WarningCapture* current() noexcept;
     void record(IssuedWarning warning) { warnings_.push_back(std::move(warning)); }
 
-private:
+  private:
     std::vector<IssuedWarning> warnings_;
     WarningCapture* previous_;
 };

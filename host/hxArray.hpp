@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
@@ -23,8 +24,10 @@ hxArray* createHostCell(const std::vector<std::u16string>& texts);
 hxClass hostClassOf(const hxArray* array);
 // Another holder: raises the reference count and returns the array.
 hxArray* shareHostArray(hxArray* array);
-// Releases one holder; the last release destroys the array.
+// Releases one holder; the last release destroys the array. A null array is ignored.
 void destroyHostArray(hxArray* array);
+// How many holders share the array.
+std::size_t hostReferenceCount(const hxArray* array);
 
 // Readers; an array of another class raises a message-identified error
 // ("TESSEL:host:expectedString", "TESSEL:host:expectedStringArray",
