@@ -107,8 +107,9 @@ void InputWalker::visit(const fs::path& diskPath, const std::string& name,
         issueWarning("symlinkLoop", {diskPath.string()});
         return;
     }
-    if (!name.empty()) {
-        emit(diskPath, name + "/", true, nested);
+    // A folder listed before was walked then, with everything beneath it.
+    if (!name.empty() && !emit(diskPath, name + "/", true, nested)) {
+        return;
     }
 
     std::vector<fs::path> children;
@@ -131,11 +132,12 @@ void InputWalker::visit(const fs::path& diskPath, const std::string& name,
     ancestors.pop_back();
 }
 
-void InputWalker::emit(const fs::path& diskPath, std::string name, bool folder, bool nested) {
+bool InputWalker::emit(const fs::path& diskPath, std::string name, bool folder, bool nested) {
     if (!seen_.insert(normal(diskPath)).second) {
-        return;
+        return false;
     }
     inputs_.push_back({diskPath, std::move(name), folder, nested});
+    return true;
 }
 
 }  // namespace tqarchive

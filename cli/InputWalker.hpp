@@ -44,7 +44,8 @@ class InputWalker {
 
     void visit(const std::filesystem::path& diskPath, const std::string& name,
                std::vector<FileId>& ancestors, bool nested);
-    void emit(const std::filesystem::path& diskPath, std::string name, bool folder, bool nested);
+    // False when the path was listed before.
+    bool emit(const std::filesystem::path& diskPath, std::string name, bool folder, bool nested);
 
     std::vector<WalkedInput> inputs_;
     std::set<std::filesystem::path> seen_;

@@ -12,6 +12,22 @@ namespace tqarchive {
 namespace fs = std::filesystem;
 using tessel::host::fromFileSystemText;
 
+namespace {
+
+// root/input without its "." components, for tidy paths in messages ("tree", not
+// "tree/."). Only "." goes: ".." after a symbolic link means something else on disk.
+fs::path joinWithoutDots(const fs::path& root, const fs::path& input) {
+    fs::path joined;
+    for (const fs::path& part : root / input) {
+        if (part != "." && !part.empty()) {
+            joined /= part;
+        }
+    }
+    return joined.empty() ? fs::path(".") : joined;
+}
+
+}  // namespace
+
 int createArchiveFromInputs(const CommandLine& commandLine, const std::u16string& format,
                             const std::optional<std::string>& password,
                             const std::string& encryption) {
@@ -32,7 +48,7 @@ int createArchiveFromInputs(const CommandLine& commandLine, const std::u16string
         }
         // Relative inputs are taken relative to the root folder, as with tar -C.
         const fs::path input(*operand);
-        walker.add(input.is_relative() && !root.empty() ? root / input : input, base);
+        walker.add(input.is_relative() ? joinWithoutDots(root, input) : input, base);
     }
 
     std::vector<std::u16string> files;
