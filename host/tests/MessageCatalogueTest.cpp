@@ -93,9 +93,13 @@ TEST(MessageCatalogue, HoldsExactlyTheKnownIdentifiersWithTheirPlaceholders) {
             EXPECT_EQ(placeholders(lookupMessageUtf8(identifier)), count) << identifier;
         }
     }
-    const std::vector<std::string> listed = catalogueIdentifiers();
+    // The library's and the host's own identifiers; other components (the command-line
+    // host) keep theirs under their own prefix.
+    std::vector<std::string> listed = catalogueIdentifiers();
+    EXPECT_EQ(std::set<std::string>(listed.begin(), listed.end()).size(), listed.size())
+        << "an identifier is listed twice";
+    std::erase_if(listed, [](const std::string& id) { return !id.starts_with("TESSEL:"); });
     EXPECT_EQ(std::set<std::string>(listed.begin(), listed.end()), expected);
-    EXPECT_EQ(listed.size(), expected.size()) << "an identifier is listed twice";
 }
 
 TEST(MessageCatalogue, ArgumentsFillInOrderAndSharedTextsMatch) {
