@@ -103,6 +103,44 @@ constexpr std::array kCatalogue{
           "Expected a text or a list of texts as input, but got {1}."},
     Entry{"TESSEL:host:expectedLogical", "Expected a logical input, but got {1}."},
     Entry{"TESSEL:host:expectedCell", "Expected a cell array of texts as input, but got {1}."},
+    // The tqarchive command-line host.
+    Entry{"tqarchive:unsafeEntryPath",
+          "The archive '{1}' holds the entry '{2}', which would be written outside the output "
+          "folder: {3}. Nothing was extracted. Give --unsafe-paths to extract it anyway."},
+    Entry{"tqarchive:archiveNotFound", "The archive '{1}' does not exist or is not a file."},
+    Entry{"tqarchive:inputNotFound", "Unable to find the input '{1}': {2}."},
+    Entry{"tqarchive:inputOutsideRoot",
+          "The input '{1}' is outside the root folder '{2}', so it has no entry name. Give a -C "
+          "folder that contains every input."},
+    Entry{"tqarchive:rootFolder", "The root folder '{1}' given with -C is not a folder."},
+    Entry{"tqarchive:symlinkLoop",
+          "'{1}' is a symbolic link that leads back into a folder containing it; it was left "
+          "out."},
+    Entry{"tqarchive:brokenLink", "'{1}' is a broken symbolic link ({2}); it was left out."},
+    Entry{"tqarchive:unsupportedFileType",
+          "'{1}' is not a regular file or folder (a pipe, socket or device); it was left out."},
+    Entry{"tqarchive:unreadableFolder",
+          "Unable to list the folder '{1}' ({2}); its contents were left out."},
+    Entry{"tqarchive:duplicateOutput",
+          "'{2}' and '{3}' would both be written to '{1}'. Nothing was written; give them "
+          "separately or choose another output folder."},
+    Entry{"tqarchive:outputFolder", "Unable to create the output folder '{1}': {2}."},
+    Entry{"tqarchive:passwordFile", "Unable to read the password file '{1}': {2}."},
+    Entry{"tqarchive:usage:missingCommand",
+          "No command given. Use zip, tar, unzip, untar, gzip or gunzip."},
+    Entry{"tqarchive:usage:unknownCommand",
+          "Unknown command '{1}'. Use zip, tar, unzip, untar, gzip or gunzip."},
+    Entry{"tqarchive:usage:unknownOption", "Unknown option '{1}'."},
+    Entry{"tqarchive:usage:optionNotAllowed", "The option '{1}' cannot be used with '{2}'."},
+    Entry{"tqarchive:usage:missingValue", "The option '{1}' needs a value."},
+    Entry{"tqarchive:usage:unexpectedValue", "The option '{1}' takes no value."},
+    Entry{"tqarchive:usage:missingOperand", "'{2}' needs {1}."},
+    Entry{"tqarchive:usage:conflictingOptions", "Give either {1} or {2}, not both."},
+    Entry{"tqarchive:usage:encryptionWithoutPassword",
+          "--encryption needs a password: add --password or --password-file."},
+    Entry{"tqarchive:usage:passwordNeedsTerminal",
+          "--password without a value asks on the terminal, but standard input is not a "
+          "terminal. Give the password as --password-file FILE (FILE may be /dev/stdin)."},
 };
 
 const std::string_view* findText(const std::string& identifier) {
