@@ -30,6 +30,7 @@ private:
 // UTF-16 text of a path (the form the library's entry points take).
 std::u16string u16(const fs::path& path);
 std::u16string u16(const std::string& utf8);
+std::u16string u16(const char* utf8);
 std::string utf8(const std::u16string& text);
 std::vector<std::u16string> u16list(const std::vector<std::string>& utf8);
 
