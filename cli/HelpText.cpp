@@ -94,8 +94,10 @@ constexpr const char* kSafety = R"(
 Before anything is written, the entry headers are read once (data skipped) and the
 archive is refused (error tqarchive:unsafeEntryPath, nothing extracted) when an entry
 would land outside the output folder: a name with a ".." component, a hard link to an
-absolute name or through "..", or an entry at or beneath a symbolic link that an earlier
-entry of the same archive creates. Absolute entry names ("/etc/x") are safe: they are
+absolute name or through "..", an entry at or beneath a symbolic link that an earlier
+entry of the same archive creates, or any hard link when OUTDIR is not the current folder
+(its target would be looked up from the current folder; extract such archives with -d .
+from inside the output folder). Absolute entry names ("/etc/x") are safe: they are
 re-rooted under the output folder (OUTDIR/etc/x). Symbolic links already present in
 OUTDIR are yours and are not checked. --unsafe-paths skips this check.
 )";

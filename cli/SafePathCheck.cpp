@@ -76,7 +76,7 @@ bool enableFormats(archive* handle, const std::string& format) {
 }  // namespace
 
 void SafePathCheck::verify(const std::string& archivePath, const std::string& format,
-                           const std::string& password) {
+                           const std::string& password, bool outputIsCurrentFolder) {
     auto closeAndFree = [](archive* handle) { archive_read_free(handle); };
     std::unique_ptr<archive, decltype(closeAndFree)> reader(archive_read_new(), closeAndFree);
     if (!reader || !enableFormats(reader.get(), format)) {
@@ -89,7 +89,7 @@ void SafePathCheck::verify(const std::string& archivePath, const std::string& fo
         return;
     }
 
-    SafePathCheck pass(archivePath);
+    SafePathCheck pass(archivePath, outputIsCurrentFolder);
     archive_entry* entry = nullptr;
     for (;;) {
         const int status = archive_read_next_header(reader.get(), &entry);
@@ -133,6 +133,11 @@ void SafePathCheck::check(archive_entry* entry) {
         const std::vector<std::string> targetParts = components(linked);
         if (linked.starts_with("/") || hasDotDot(targetParts)) {
             refuse(name, "it is a hard link to '" + linked + "'");
+        }
+        if (!outputIsCurrentFolder_) {
+            refuse(name, "it is a hard link to '" + linked +
+                             "', which extraction looks up from the current folder, not from "
+                             "the output folder (extract with -d . from the output folder)");
         }
         for (std::size_t count = 1; count <= targetParts.size(); ++count) {
             if (links_.contains(join(targetParts, count))) {

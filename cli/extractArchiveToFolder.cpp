@@ -20,12 +20,15 @@ int extractArchiveToFolder(const CommandLine& commandLine, const std::string& fo
     if (!fs::is_regular_file(archive, error)) {
         raiseError("archiveNotFound", {archive});
     }
+    const std::string outputFolder = commandLine.outputFolder.value_or(".");
     if (!commandLine.unsafePaths) {
-        SafePathCheck::verify(archive, format, password.value_or(std::string()));
+        const bool outputIsCurrentFolder =
+            fs::weakly_canonical(outputFolder, error) == fs::current_path(error);
+        SafePathCheck::verify(archive, format, password.value_or(std::string()),
+                              outputIsCurrentFolder);
     }
 
     // Only now, with the archive found safe, may anything be written.
-    const std::string outputFolder = commandLine.outputFolder.value_or(".");
     if (commandLine.outputFolder && !fs::is_directory(outputFolder, error)) {
         fs::create_directories(outputFolder, error);
         if (error) {

@@ -16,6 +16,11 @@ struct BadRun {
     const char* identifier;
 };
 
+// Readable test names in ctest.
+void PrintTo(const BadRun& value, std::ostream* out) {
+    *out << value.args;
+}
+
 class BadInput : public testing::TestWithParam<BadRun> {};
 
 TEST_P(BadInput, ExitStatusAndIdentifiedMessage) {

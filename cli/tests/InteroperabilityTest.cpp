@@ -22,6 +22,11 @@ struct Interop {
     const char* cli;  // tqarchive arguments
 };
 
+// Readable test names in ctest.
+void PrintTo(const Interop& value, std::ostream* out) {
+    *out << value.tool.name << ": " << value.cli;
+}
+
 class MadeByTqarchive : public testing::TestWithParam<Interop> {};
 
 TEST_P(MadeByTqarchive, OpenedByTheTool) {

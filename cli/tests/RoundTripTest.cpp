@@ -18,6 +18,11 @@ struct RoundTrip {
     bool folderSlash;    // whether folder names come back with their "/"
 };
 
+// Readable test names in ctest.
+void PrintTo(const RoundTrip& value, std::ostream* out) {
+    *out << value.name;
+}
+
 class ArchiveRoundTrip : public testing::TestWithParam<RoundTrip> {};
 
 TEST_P(ArchiveRoundTrip, TreeComesBackWithNamesListedInSortedOrder) {

@@ -18,6 +18,11 @@ struct Hostile {
     const char* escapedTo;  // where --unsafe-paths writes, relative to the test folder
 };
 
+// Readable test names in ctest.
+void PrintTo(const Hostile& value, std::ostream* out) {
+    *out << value.name;
+}
+
 class HostileArchive : public testing::TestWithParam<Hostile> {};
 
 TEST_P(HostileArchive, RefusedWithNothingWrittenUnlessUnsafePathsIsGiven) {
@@ -66,6 +71,23 @@ TEST(SafeArchive, AbsoluteNamesAreReRootedUnderTheOutputFolder) {
     const auto result = tqarchive(dir.path(), "untar abs.tgz -d out");
     ASSERT_EQ(result.status, 0) << result.err;
     EXPECT_EQ(tqtest::readFile(dir / "out/abs/x.txt"), "ok");
+}
+
+// Hard link targets are looked up from the current folder, not the output folder.
+TEST(SafeArchive, HardLinksOnlyWhenTheOutputFolderIsTheCurrentFolder) {
+    TempDir dir;
+    shell(dir.path(),
+          "mkdir src out && echo data > src/a.txt && ln src/a.txt src/b.txt && "
+          "tar -cf h.tar -C src a.txt b.txt && echo mine > a.txt");
+    const auto refused = tqarchive(dir.path(), "untar h.tar -d out");
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_NE(refused.err.find("[tqarchive:unsafeEntryPath]"), std::string::npos) << refused.err;
+    EXPECT_TRUE(fs::is_empty(dir / "out"));
+
+    const auto here = tqarchive(dir / "out", "untar ../h.tar -d .");
+    ASSERT_EQ(here.status, 0) << here.err;
+    EXPECT_TRUE(fs::equivalent(dir / "out/a.txt", dir / "out/b.txt"));
+    EXPECT_EQ(tqtest::readFile(dir / "a.txt"), "mine\n");
 }
 
 }  // namespace
