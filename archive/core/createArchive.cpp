@@ -7,6 +7,7 @@
 
 #include <archive/core/archivecore.hpp>
 #include <archive/core/error/ArchiveException.hpp>
+#include <archive/core/error/StatusChecks.hpp>
 #include <archive/core/error/messages/createArchive.hpp>
 #include <archive/core/objects/ArchiveCreator.hpp>
 #include <archive/core/objects/ArchiveFormat.hpp>
@@ -63,13 +64,21 @@ std::vector<std::u16string> createWith(const std::u16string& archivePath,
             const std::u16string& entryName = entryNames[i];
             // The next reader exists before the previous one goes, and it is opened even
             // for an input without a name.
-            reader = std::make_unique<ArchiveObjectReader>(nativePath(files[i]), format);
+            const HostPath input = nativePath(files[i]);
+            reader = std::make_unique<ArchiveObjectReader>(input, format);
             if (entryName.empty()) {
                 continue;
             }
             ::archive_entry* entry = nullptr;
             if (!reader->nextHeader(&entry)) {
                 continue;  // unreadable input, already warned about
+            }
+            // Readers take a name ending in a slash for a folder: a file stored under such
+            // a name loses its content and, in tar, corrupts the archive.
+            if (entryName.back() == HostPath::genericSeparator() &&
+                archive_entry_filetype(entry) != AE_IFDIR) {
+                warnForPath(NullArchiveRule::InvalidEntryHeader, input, format);
+                continue;
             }
             archive_entry_set_pathname(entry, tessel::host::toUtf8(entryName).c_str());
             // A refused header has issued its warning; the data of a non-empty file is then

@@ -2,77 +2,67 @@
 
 #include <clocale>
 
-#include <gtest/gtest.h>
-
 #include "../support/TestSupport.hpp"
 
 namespace tqtest {
 
-namespace {
-
-// The tests play the host: like an embedding application, they take the locale from
-// the environment (C.UTF-8) once, so that libarchive converts names as UTF-8.
-const bool kLocaleFromEnvironment = std::setlocale(LC_ALL, "") != nullptr;
-
-}  // namespace
+// The tests play the host: like an embedding application they take the locale from the
+// environment (C.UTF-8), so that libarchive converts names as UTF-8.
+static const bool kLocaleFromEnvironment = std::setlocale(LC_ALL, "") != nullptr;
 
 TreeSnapshot snapshotTree(const fs::path& root, bool withModes) {
-    EXPECT_TRUE(kLocaleFromEnvironment);
     TreeSnapshot snapshot;
     for (const auto& item : fs::recursive_directory_iterator(root)) {
-        TreeNode node;
-        node.folder = item.is_directory();
-        if (!node.folder) {
-            node.bytes = readFile(item.path());
-        }
-        if (withModes && !node.folder) {
-            node.mode = fileMode(item.path());
-        }
-        snapshot[fs::relative(item.path(), root).generic_string()] = node;
+        const bool folder = item.is_directory();
+        snapshot[item.path().lexically_relative(root).generic_string()] = {
+            folder ? "folder" : readFile(item.path()),
+            withModes && !folder ? fileMode(item.path()) : 0};
     }
     return snapshot;
 }
 
 SampleInputs makeSampleTree(const fs::path& root) {
-    struct Item {
-        const char* name;
-        bool folder;
-        std::string bytes;
-        fs::perms mode;
-    };
-    const std::vector<Item> items = {
-        {"docs/", true, "", fs::perms(0755)},
-        {"docs/héllo wörld.txt", false, "accents\n", fs::perms(0644)},
-        {"docs/日本語.txt", false, "CJK\n", fs::perms(0644)},
-        {"docs/emoji😀.bin", false, randomBytes(70000, 7), fs::perms(0644)},
-        {"docs/sub/", true, "", fs::perms(0755)},
-        {"docs/sub/exact.bin", false, randomBytes(16384, 3), fs::perms(0644)},
-        {"empty.txt", false, "", fs::perms(0644)},
-        {"run.sh", false, "#!/bin/sh\necho hi\n", fs::perms(0750)},
-        {"private.txt", false, "secret\n", fs::perms(0600)},
-    };
+    const std::vector<std::tuple<std::string, std::string, unsigned>> items = {
+        {"docs/", "", 0755},
+        {"docs/héllo wörld.txt", "accents\n", 0644},
+        {"docs/日本語.txt", "CJK\n", 0644},
+        {"docs/emoji😀.bin", randomBytes(70000, 7), 0644},
+        {"docs/sub/", "", 0755},
+        {"docs/sub/exact.bin", randomBytes(16384, 3), 0644},
+        {"empty.txt", "", 0644},
+        {"run.sh", "#!/bin/sh\necho hi\n", 0750},
+        {"private.txt", "secret\n", 0600}};
     SampleInputs inputs;
-    for (const auto& item : items) {
-        const fs::path path = root / fs::path(std::string(item.name));
-        if (item.folder) {
+    for (const auto& [name, bytes, mode] : items) {
+        const fs::path path = root / name;
+        if (name.back() == '/') {
             fs::create_directories(path);
         } else {
-            writeFile(path, item.bytes);
+            writeFile(path, bytes);
         }
-        fs::permissions(path, item.mode);
+        fs::permissions(path, fs::perms(mode));
         inputs.files.push_back(u16(path));
-        inputs.names.push_back(u16(std::string(item.name)));
+        inputs.names.push_back(u16(name));
     }
     return inputs;
 }
 
-std::vector<std::u16string> withoutTrailingSlash(std::vector<std::u16string> names) {
-    for (auto& name : names) {
-        if (!name.empty() && name.back() == u'/') {
-            name.pop_back();
-        }
+std::string outcome(const std::function<void()>& call) {
+    const auto raised = raisedBy(call);
+    if (!raised) {
+        return "no error";
     }
-    return names;
+    std::string text = raised->identifier + "(";
+    for (std::size_t i = 0; i < raised->arguments.size(); ++i) {
+        text += (i > 0 ? "," : "") + raised->arguments[i];
+    }
+    return text + ")";
+}
+
+std::string listing(const fs::path& archive) {
+    const auto result = runCommand("bsdtar -tf " + shellQuote(archive.string()));
+    return (kLocaleFromEnvironment && result.status == 0) ? result.output
+                                                          : "unreadable: " + result.output;
 }
 
 }  // namespace tqtest

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -9,32 +10,24 @@ namespace tqtest {
 
 namespace fs = std::filesystem;
 
-// One file or folder of a tree on disk.
-struct TreeNode {
-    bool folder = false;
-    std::string bytes;
-    unsigned mode = 0;
-    friend bool operator==(const TreeNode&, const TreeNode&) = default;
-};
-// Relative generic path (UTF-8, no trailing slash) -> node.
-using TreeSnapshot = std::map<std::string, TreeNode>;
+inline constexpr const char* kInternalError = "TESSEL:io:archive:extractArchive:internalError";
 
-// Every file and folder under root. Without modes, they are all 0 (for readers that do
-// not restore permissions).
-TreeSnapshot snapshotTree(const fs::path& root, bool withModes = true);
+// Relative generic path (no trailing slash) -> "folder" or the file's bytes, and its mode
+// (0 when modes are not compared).
+using TreeSnapshot = std::map<std::string, std::pair<std::string, unsigned>>;
+TreeSnapshot snapshotTree(const fs::path& root, bool withModes);
 
-// The inputs of an archive: paths on disk and the entry name of each (folders named
-// with a trailing slash), parents before their contents.
+// Accented, CJK and emoji names, nested folders (named with a trailing slash), an empty
+// file, a file of exactly one copy chunk, incompressible data and several modes.
 struct SampleInputs {
     std::vector<std::u16string> files;
     std::vector<std::u16string> names;
 };
-
-// A tree with accented, CJK and emoji names, nested folders, an empty file, a file of
-// exactly one copy chunk, incompressible data and several permission modes.
 SampleInputs makeSampleTree(const fs::path& root);
 
-// Entry names without the trailing slash that tar formats drop from folder names.
-std::vector<std::u16string> withoutTrailingSlash(std::vector<std::u16string> names);
+// "identifier(argument,...)" of the host error the call raised, or "no error".
+std::string outcome(const std::function<void()>& call);
+// What bsdtar lists, one name a line, or "unreadable: ...".
+std::string listing(const fs::path& archive);
 
 }  // namespace tqtest
