@@ -47,6 +47,10 @@ const ToolCase kToolCases[] = {
      true, true},
 };
 
+void PrintTo(const ToolCase& c, std::ostream* os) {
+    *os << c.label;
+}
+
 class Interoperability : public ::testing::TestWithParam<ToolCase> {};
 
 std::string withArchive(std::string command, const fs::path& archive) {

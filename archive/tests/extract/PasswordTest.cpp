@@ -27,6 +27,10 @@ const Encryption kEncryptions[] = {
     {"aes256", "7z", "7z a -tzip -bd -mem=AES256 -p{P} {A} s.txt"},
 };
 
+void PrintTo(const Encryption& e, std::ostream* os) {
+    *os << e.label;
+}
+
 std::string fill(std::string command, const fs::path& archive) {
     for (auto [token, value] :
          {std::pair<std::string, std::string>{"{A}", archive.string()}, {"{P}", kPassword}}) {

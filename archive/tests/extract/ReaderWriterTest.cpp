@@ -1,12 +1,10 @@
-// The archive reader and disk writer on their own: format narrowing, the log records
-// that matter for support, and the writer's refusal rules.
+// The archive reader on its own (which formats each request enables) and the log records
+// that matter for support.
 #include <gtest/gtest.h>
 
 #include <archive/core/archivecore.hpp>
 #include <archive/core/error/ArchiveException.hpp>
 #include <archive/core/objects/ArchiveDiskReader.hpp>
-#include <archive/core/objects/ArchiveDiskWriter.hpp>
-#include <host/WarningCapture.hpp>
 
 #include "../support/LogCapture.hpp"
 #include "ExtractTestHelpers.hpp"
@@ -85,32 +83,4 @@ TEST_F(ReaderWriter, LogRecordsOfAnExtractionThatFailsOnAnEntry) {
     EXPECT_TRUE(
         withPassword.contains("Password registered for reading a password-protected archive."));
     EXPECT_TRUE(withPassword.contains("Reached end of archive-->" + (dir_ / "a.zip").string()));
-}
-
-TEST_F(ReaderWriter, WriterSkipsOrRaisesOnAReadOnlyTarget) {
-    writeFile(dir_ / "out/a.txt", "keep");
-    fs::permissions(dir_ / "out/a.txt", fs::perms::owner_read);
-    std::unique_ptr<archive_entry, void (*)(archive_entry*)> entry(archive_entry_new(),
-                                                                   archive_entry_free);
-    archive_entry_set_pathname(entry.get(), (dir_ / "out/a.txt").c_str());
-    archive_entry_set_filetype(entry.get(), AE_IFREG);
-
-    LogCapture log;
-    core::ArchiveDiskWriter writer{HostPath(u16(dir_ / "out"))};
-    writer.deleteCurrentEntryFile();
-    EXPECT_TRUE(log.messages().empty()) << "nothing started, nothing deleted";
-    {
-        tessel::host::WarningCapture warnings;
-        EXPECT_FALSE(writer.writeHeader(entry.get()));
-        EXPECT_EQ(warnings.warnings().size(), 1u);
-    }
-    try {
-        writer.writeHeader(entry.get(), ArchiveFormat::Gz);
-        ADD_FAILURE() << "a strict writer raises";
-    } catch (const core::ArchiveException& failure) {
-        EXPECT_EQ(failure.rule, NullArchiveRule::UnableToOverwrite);
-        EXPECT_EQ(failure.message, u16(dir_ / "out/a.txt"));
-    }
-    EXPECT_EQ(readFile(dir_ / "out/a.txt"), "keep");
-    EXPECT_TRUE(writer.writtenFiles().empty());
 }
