@@ -108,6 +108,10 @@ std::vector<Combination> combinations() {
     return result;
 }
 
+void PrintTo(const Combination& combination, std::ostream* out) {
+    *out << combination.kind->label << " read by " << combination.reader->label;
+}
+
 class CreatedArchiveReadBack : public ::testing::TestWithParam<Combination> {};
 
 TEST_P(CreatedArchiveReadBack, ListsAndExtractsIdentically) {
