@@ -91,13 +91,9 @@ std::vector<std::u16string> compressgz(const std::vector<std::u16string>& files,
             // Gz makes the reader strict: an unreadable input is an error, not a warning.
             reader = std::make_unique<ArchiveObjectReader>(inputPath, ArchiveFormat::Gz);
             outputPath = outputPathFor(inputPath, outputFolder);
-            // The next output is opened before the previous one is finished and closed.
-            auto nextCreator = std::make_unique<ArchiveCreator>(outputPath, ArchiveFormat::Gz);
-            if (creator) {
-                // Checked: small files reach the disk only here.
-                creator->finish();
-            }
-            creator = std::move(nextCreator);
+            // The next output is opened before the previous one is closed (by its
+            // creator's destruction).
+            creator = std::make_unique<ArchiveCreator>(outputPath, ArchiveFormat::Gz);
             ::archive_entry* entry = nullptr;
             if (!reader->nextHeader(&entry)) {
                 continue;  // nothing to compress; the empty output is closed like the others
@@ -105,9 +101,6 @@ std::vector<std::u16string> compressgz(const std::vector<std::u16string>& files,
             creator->writeHeader(entry);
             copyFileContent(*buffer, *creator, entry, kChunkSize);
             written.push_back(outputPath.native());
-        }
-        if (creator) {
-            creator->finish();
         }
         creator.reset();
         return written;

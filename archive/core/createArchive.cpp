@@ -88,9 +88,8 @@ std::vector<std::u16string> createWith(const std::u16string& archivePath,
             creator->addEntryName(entry);
         }
         std::vector<std::u16string> written = creator->getEntryNames();
-        // Checked, not left to the destructor: a full disk often shows only in the last
-        // block, and a truncated archive must not pass for a finished one.
-        creator->finish();
+        // Destroying the creator writes the trailer or central directory and closes the
+        // file; a failure of that last close is not reported.
         creator.reset();
         return written;
     } catch (const ArchiveException& failure) {

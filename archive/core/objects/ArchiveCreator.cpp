@@ -164,17 +164,6 @@ void ArchiveCreator::writeData(const void* bytes, std::size_t count) {
         handle_.get());
 }
 
-void ArchiveCreator::finish() {
-    if (archive_write_close(handle_.get()) == ARCHIVE_OK) {
-        return;
-    }
-    const bool diskFull = archive_errno(handle_.get()) == ENOSPC &&
-                          libarchiveErrorString(handle_.get(), 1) == kWriteError;
-    throwArchiveError(
-        diskFull ? NullArchiveRule::DiskSpaceFull : NullArchiveRule::CouldNotCloseFile,
-        handle_.get());
-}
-
 void ArchiveCreator::addEntryName(::archive_entry* entry) {
     const char* pathname = archive_entry_pathname(entry);
     std::u16string name = pathname == nullptr ? std::u16string() : tessel::host::fromUtf8(pathname);

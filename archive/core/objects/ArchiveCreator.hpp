@@ -39,10 +39,6 @@ class ArchiveCreator {
     void writeData(const void* bytes, std::size_t count);
     void addEntryName(::archive_entry* entry);
     const std::vector<std::u16string>& getEntryNames() const noexcept { return entryNames_; }
-    // Writes the trailer or central directory and closes the file, so that a failure of
-    // the last writes (a full disk often shows only here) is reported: DiskSpaceFull or
-    // CouldNotCloseFile. Afterwards the creator must only be destroyed.
-    void finish();
     // Closes the archive and removes its file; a failed close keeps the file. Afterwards
     // the creator must only be destroyed.
     void deleteArchiveFile();
