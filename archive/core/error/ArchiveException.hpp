@@ -13,7 +13,7 @@ namespace tessel::io::archive::core {
 // a path, or a caller's text) for the code that catches it. Its text is always the
 // rule's text.
 class ArchiveException : public tessel::host::HostInternalException, public boost::exception {
-public:
+  public:
     ArchiveException(NullArchiveRule rule, const std::u16string& message);
 
     ArchiveException* clone() const override;

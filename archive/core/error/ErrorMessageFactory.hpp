@@ -7,7 +7,7 @@
 namespace tessel::io::archive::core {
 
 class ErrorMessageFactory {
-public:
+  public:
     // The rule's text; rules without a text of their own, and values out of range,
     // give the unknown-error text.
     static std::u16string messageFor(NullArchiveRule rule);

@@ -8,8 +8,8 @@
 #include <boost/log/core/record.hpp>
 #include <boost/log/sources/record_ostream.hpp>
 
-#include <host/DiagnosticLogger.hpp>
 #include <archive/core/log/diagnosticLogger.hpp>
+#include <host/DiagnosticLogger.hpp>
 #include <host/HostPath.hpp>
 
 namespace tessel::io::archive::core {
@@ -18,7 +18,7 @@ namespace tessel::io::archive::core {
 // one after another with no separator. Destruction pushes the record, or drops it when
 // an exception began while it was being composed.
 class LogRecord {
-public:
+  public:
     LogRecord(tessel::host::DiagnosticLogger& logger, std::uint32_t level);
     ~LogRecord();
     LogRecord(const LogRecord&) = delete;
@@ -43,7 +43,7 @@ public:
     // The field width of the next piece (0: none).
     void width(std::streamsize width);
 
-private:
+  private:
     tessel::host::DiagnosticLogger& logger_;
     boost::log::record record_;
     boost::log::record_ostream stream_;
@@ -55,10 +55,10 @@ private:
 // One log statement: the mask is tested before any piece is composed, so nothing is
 // converted for a level that is off.
 //   ARCHIVE_LOG(LogStep) << "Wrote entry to destination archive-->" << name;
-#define ARCHIVE_LOG(LEVEL)                                                                 \
-    if (!::tessel::io::archive::core::diagnosticLogger().enabled(LEVEL)) {                 \
-    } else if (::tessel::io::archive::core::LogRecord tqLogRecord_{                        \
-                   ::tessel::io::archive::core::diagnosticLogger(), (LEVEL)};              \
-               !tqLogRecord_) {                                                            \
-    } else                                                                                 \
+#define ARCHIVE_LOG(LEVEL)                                                    \
+    if (!::tessel::io::archive::core::diagnosticLogger().enabled(LEVEL)) {    \
+    } else if (::tessel::io::archive::core::LogRecord tqLogRecord_{           \
+                   ::tessel::io::archive::core::diagnosticLogger(), (LEVEL)}; \
+               !tqLogRecord_) {                                               \
+    } else                                                                    \
         tqLogRecord_

@@ -22,11 +22,11 @@ namespace {
 
 // Restores the logger's mask whatever a test did with it.
 class MaskGuard {
-public:
+  public:
     MaskGuard() : saved_(core::diagnosticLogger().mask()) {}
     ~MaskGuard() { core::diagnosticLogger().setMask(saved_); }
 
-private:
+  private:
     std::uint32_t saved_;
 };
 
@@ -36,11 +36,16 @@ std::string counted(const std::string& text) {
     return text;
 }
 
-std::string failingPiece() { throw std::runtime_error("composition failed"); }
+std::string failingPiece() {
+    throw std::runtime_error("composition failed");
+}
 
 // Logs from its destructor, as archive objects do while an error unwinds.
 struct LogsWhenDestroyed {
-    ~LogsWhenDestroyed() { ARCHIVE_LOG(LogStep) << "destroyed-->" << "x"; }
+    ~LogsWhenDestroyed() {
+        ARCHIVE_LOG(LogStep) << "destroyed-->"
+                             << "x";
+    }
 };
 
 }  // namespace
@@ -85,8 +90,7 @@ TEST(DiagnosticLog, DisabledCoreOpensNothingAndNeverLocks) {
 
 TEST(DiagnosticLog, RecordInterruptedByAnExceptionIsDropped) {
     tqtest::LogCapture log;
-    EXPECT_THROW(
-        { ARCHIVE_LOG(LogStep) << "half-->" << failingPiece(); }, std::runtime_error);
+    EXPECT_THROW({ ARCHIVE_LOG(LogStep) << "half-->" << failingPiece(); }, std::runtime_error);
     EXPECT_TRUE(log.records().empty());
 }
 

@@ -24,7 +24,9 @@ namespace {
 
 const std::u16string kUnknown = u"[archive_err]: Unknown error. This should not be hit. Zorp it!";
 
-NullArchiveRule rule(int value) { return static_cast<NullArchiveRule>(value); }
+NullArchiveRule rule(int value) {
+    return static_cast<NullArchiveRule>(value);
+}
 
 }  // namespace
 
@@ -53,27 +55,19 @@ TEST(ErrorMessageFactory, EveryRuleHasItsText) {
     }
 }
 
-TEST(ArchiveException, TextIsTheRuleTextWhateverTheMessage) {
+TEST(ArchiveException, TextIsTheRuleTextAndCopiesKeepRuleAndMessage) {
     const core::ArchiveException error(NullArchiveRule::CouldNotOpenFile, u"/some/päth.zip");
     EXPECT_STREQ(error.what(), "[archive_err]: Could not open file.");
-    EXPECT_EQ(error.message, u"/some/päth.zip");
-    EXPECT_EQ(error.rule, NullArchiveRule::CouldNotOpenFile);
     EXPECT_NE(dynamic_cast<const boost::exception*>(&error), nullptr);
-    EXPECT_NE(dynamic_cast<const tessel::host::HostInternalException*>(&error), nullptr);
-}
-
-TEST(ArchiveException, CloneAndRethrowKeepRuleAndMessage) {
-    const core::ArchiveException original(NullArchiveRule::DiskSpaceFull, u"m");
-    std::unique_ptr<core::ArchiveException> copy(original.clone());
-    EXPECT_EQ(copy->rule, NullArchiveRule::DiskSpaceFull);
-    EXPECT_EQ(copy->message, u"m");
+    std::unique_ptr<core::ArchiveException> copy(error.clone());
     try {
         copy->rethrow();
-        FAIL() << "rethrow returned";
     } catch (const core::ArchiveException& thrown) {
-        EXPECT_EQ(thrown.rule, NullArchiveRule::DiskSpaceFull);
-        EXPECT_EQ(thrown.message, u"m");
+        EXPECT_EQ(thrown.rule, NullArchiveRule::CouldNotOpenFile);
+        EXPECT_EQ(thrown.message, u"/some/päth.zip");
+        return;
     }
+    FAIL() << "rethrow returned";
 }
 
 // issueArchiveWarning: rule x format -> exactly one warning with its identifier.
@@ -99,7 +93,7 @@ TEST(IssueArchiveWarning, TableOfRulesAndFormats) {
                     break;
                 case 5:
                 case 15:
-                    expected = format == 2                 ? "TESSEL:zip:openEntryError"
+                    expected = format == 2                  ? "TESSEL:zip:openEntryError"
                                : format == 3 || format == 5 ? "TESSEL:tar:openEntryError"
                                                             : openNeutral;
                     break;
@@ -157,9 +151,9 @@ TEST(MessageClasses, IdentifiersArgumentsAndCatalogue) {
         EXPECT_EQ(error.identifier().rfind("TESSEL:io:archive:", 0), 0u) << error.identifier();
     }
     // Identifiers that are raised or warned under another name than their class's.
-    for (const char* extra : {"TESSEL:io:archive:zip:DiskSpaceFull",
-                              "TESSEL:io:archive:tar:DiskSpaceFull", "TESSEL:zip:openEntryError",
-                              "TESSEL:tar:openEntryError"}) {
+    for (const char* extra :
+         {"TESSEL:io:archive:zip:DiskSpaceFull", "TESSEL:io:archive:tar:DiskSpaceFull",
+          "TESSEL:zip:openEntryError", "TESSEL:tar:openEntryError"}) {
         identifiers.push_back(extra);
     }
     for (const auto& identifier : identifiers) {
@@ -180,31 +174,27 @@ TEST(MessageClasses, IdentifiersArgumentsAndCatalogue) {
 }
 
 TEST(RethrowAsHostError, TranslatesEverythingButHostErrors) {
-    auto through = [](const std::function<void()>& thrower) {
-        return tqtest::raisedBy([&] {
+    const std::string internal = "TESSEL:io:archive:extractArchive:internalError()";
+    const std::vector<std::pair<std::function<void()>, std::string>> cases = {
+        {[] { throw core::ArchiveException(NullArchiveRule::CouldNotWriteFile, u"x"); }, internal},
+        {[] { throw std::bad_alloc(); }, internal},
+        {[] { throw 42; }, internal},
+        {[] { TESSEL::io::archive::zip::openError(u"a.zip").raise(); },
+         "TESSEL:io:archive:zip:openError(a.zip)"},
+    };
+    for (const auto& [thrower, expected] : cases) {
+        const auto raised = tqtest::raisedBy([&] {
             try {
                 thrower();
             } catch (...) {
                 core::rethrowAsHostError();
             }
         });
-    };
-    const std::string internal = "TESSEL:io:archive:extractArchive:internalError";
-    auto archiveFailure = through(
-        [] { throw core::ArchiveException(NullArchiveRule::CouldNotWriteFile, u"x"); });
-    ASSERT_TRUE(archiveFailure);
-    EXPECT_EQ(archiveFailure->identifier, internal);
-    EXPECT_TRUE(archiveFailure->arguments.empty());
-
-    auto standard = through([] { throw std::bad_alloc(); });
-    ASSERT_TRUE(standard);
-    EXPECT_EQ(standard->identifier, internal);
-    auto unknown = through([] { throw 42; });
-    ASSERT_TRUE(unknown);
-    EXPECT_EQ(unknown->identifier, internal);
-
-    auto host = through([] { TESSEL::io::archive::zip::openError(u"a.zip").raise(); });
-    ASSERT_TRUE(host);
-    EXPECT_EQ(host->identifier, "TESSEL:io:archive:zip:openError");
-    EXPECT_EQ(host->arguments, std::vector<std::string>{"a.zip"});
+        ASSERT_TRUE(raised);
+        std::string seen = raised->identifier + "(";
+        for (const auto& argument : raised->arguments) {
+            seen += argument;
+        }
+        EXPECT_EQ(seen + ")", expected);
+    }
 }

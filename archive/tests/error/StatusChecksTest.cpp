@@ -92,10 +92,10 @@ TEST(StatusChecks, NullHandleAndNullMessageNeverFail) {
     const auto error =
         thrownBy([] { core::throwArchiveError(NullArchiveRule::UnableToSetFormat, nullptr); });
     EXPECT_EQ(error.rule, NullArchiveRule::UnableToSetFormat);
-    EXPECT_EQ(log.messages(),
-              (std::vector<std::string>{"[LIBARCHIVE_MESSAGE]: [LIBARCHIVE_MESSAGE]: The libarchive "
-                                        "archive_error_string function returned NULL.",
-                                        "[LIBARCHIVE_ERRNO]: NONE"}));
+    EXPECT_EQ(log.messages(), (std::vector<std::string>{
+                                  "[LIBARCHIVE_MESSAGE]: [LIBARCHIVE_MESSAGE]: The libarchive "
+                                  "archive_error_string function returned NULL.",
+                                  "[LIBARCHIVE_ERRNO]: NONE"}));
 }
 
 TEST(StatusChecks, ForPathCarriesTheEntryName) {
@@ -110,8 +110,9 @@ TEST(StatusChecks, ForPathCarriesTheEntryName) {
     });
     EXPECT_EQ(error.rule, NullArchiveRule::IncorrectPassphrase);
     EXPECT_EQ(error.message, u"dir/年報 ü.txt");
-    EXPECT_EQ(log.messages(), (std::vector<std::string>{"[LIBARCHIVE_MESSAGE]: Incorrect passphrase",
-                                                        "[LIBARCHIVE_ERRNO]: 0"}));
+    EXPECT_EQ(log.messages(),
+              (std::vector<std::string>{"[LIBARCHIVE_MESSAGE]: Incorrect passphrase",
+                                        "[LIBARCHIVE_ERRNO]: 0"}));
 }
 
 TEST(StatusChecks, InternalChecksLogTheRuleText) {
@@ -119,15 +120,15 @@ TEST(StatusChecks, InternalChecksLogTheRuleText) {
     auto internal = thrownBy([] { core::throwInternalError(NullArchiveRule::NotGzipFormat); });
     EXPECT_EQ(internal.rule, NullArchiveRule::NotGzipFormat);
     EXPECT_TRUE(internal.message.empty());
-    auto withMessage = thrownBy([] {
-        core::throwArchiveErrorWithMessage(NullArchiveRule::PermissionDenied, u"/x/ä");
-    });
+    auto withMessage = thrownBy(
+        [] { core::throwArchiveErrorWithMessage(NullArchiveRule::PermissionDenied, u"/x/ä"); });
     EXPECT_EQ(withMessage.rule, NullArchiveRule::PermissionDenied);
     EXPECT_EQ(withMessage.message, u"/x/ä");
-    EXPECT_EQ(log.messages(),
-              (std::vector<std::string>{
-                  "[INTERNAL_MESSAGE]: [archive_err]: Unknown error. This should not be hit. Zorp it!",
-                  "[INTERNAL ERROR MESSAGE]: [archive_err]: Entry is invalid. Permission was denied."}));
+    EXPECT_EQ(
+        log.messages(),
+        (std::vector<std::string>{
+            "[INTERNAL_MESSAGE]: [archive_err]: Unknown error. This should not be hit. Zorp it!",
+            "[INTERNAL ERROR MESSAGE]: [archive_err]: Entry is invalid. Permission was denied."}));
 }
 
 TEST(StatusChecks, WarningChecksLogThenWarnAndReturn) {
@@ -143,13 +144,13 @@ TEST(StatusChecks, WarningChecksLogThenWarnAndReturn) {
     core::warnForWideName(NullArchiveRule::UnableToOverwrite, L"naïve 日本");
     core::warnForName(NullArchiveRule::RemoveControlM, "c.txt");
 
-    EXPECT_EQ(log.messages(),
-              (std::vector<std::string>{
-                  "[LIBARCHIVE_MESSAGE]: Can't unlink already-existing object",
-                  "[LIBARCHIVE_ERRNO]: 13",
-                  "[archive_err]: Unknown error. This should not be hit. Zorp it!",
-                  "[archive_err]: Unknown error. This should not be hit. Zorp it!",
-                  "[archive_err]: Unknown error. This should not be hit. Zorp it!"}));
+    EXPECT_EQ(
+        log.messages(),
+        (std::vector<std::string>{
+            "[LIBARCHIVE_MESSAGE]: Can't unlink already-existing object", "[LIBARCHIVE_ERRNO]: 13",
+            "[archive_err]: Unknown error. This should not be hit. Zorp it!",
+            "[archive_err]: Unknown error. This should not be hit. Zorp it!",
+            "[archive_err]: Unknown error. This should not be hit. Zorp it!"}));
     const auto& issued = warnings.warnings();
     ASSERT_EQ(issued.size(), 4u);
     EXPECT_EQ(issued[0].identifier, "TESSEL:io:archive:extractArchive:OverwriteOpenFile");

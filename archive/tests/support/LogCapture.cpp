@@ -34,11 +34,14 @@ LogCapture::LogCapture() : backend_(boost::make_shared<Backend>()) {
     // Make sure the library's logger (and the host's default sinks) exist first.
     tessel::io::archive::core::diagnosticLogger();
     sink_ = boost::make_shared<boost::log::sinks::synchronous_sink<Backend>>(backend_);
-    sink_->set_filter(tessel::host::logChannel == std::string(tessel::io::archive::core::kDiagnosticChannel));
+    sink_->set_filter(tessel::host::logChannel ==
+                      std::string(tessel::io::archive::core::kDiagnosticChannel));
     boost::log::core::get()->add_sink(sink_);
 }
 
-LogCapture::~LogCapture() { boost::log::core::get()->remove_sink(sink_); }
+LogCapture::~LogCapture() {
+    boost::log::core::get()->remove_sink(sink_);
+}
 
 std::vector<CapturedRecord> LogCapture::records() const {
     std::lock_guard lock(backend_->mutex);

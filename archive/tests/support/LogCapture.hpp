@@ -17,7 +17,7 @@ struct CapturedRecord {
 // While alive, collects the records of the library's diagnostic channel through a real
 // Boost.Log sink attached to the core.
 class LogCapture {
-public:
+  public:
     LogCapture();
     ~LogCapture();
     LogCapture(const LogCapture&) = delete;
@@ -28,7 +28,7 @@ public:
     // Whether some record's message starts with the text.
     bool contains(const std::string& prefix) const;
 
-private:
+  private:
     struct Backend;
     boost::shared_ptr<boost::log::sinks::synchronous_sink<Backend>> sink_;
     boost::shared_ptr<Backend> backend_;

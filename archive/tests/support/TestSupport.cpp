@@ -42,10 +42,18 @@ TempDir::~TempDir() {
     fs::remove_all(path_, ignored);
 }
 
-std::u16string u16(const fs::path& path) { return tessel::host::fromUtf8(path.string()); }
-std::u16string u16(const std::string& utf8) { return tessel::host::fromUtf8(utf8); }
-std::u16string u16(const char* utf8) { return tessel::host::fromUtf8(utf8); }
-std::string utf8(const std::u16string& text) { return tessel::host::toUtf8(text); }
+std::u16string u16(const fs::path& path) {
+    return tessel::host::fromUtf8(path.string());
+}
+std::u16string u16(const std::string& utf8) {
+    return tessel::host::fromUtf8(utf8);
+}
+std::u16string u16(const char* utf8) {
+    return tessel::host::fromUtf8(utf8);
+}
+std::string utf8(const std::u16string& text) {
+    return tessel::host::toUtf8(text);
+}
 
 std::vector<std::u16string> u16list(const std::vector<std::string>& utf8) {
     std::vector<std::u16string> result;

@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 
 // A fresh folder under the system's temporary folder, removed with everything in it.
 class TempDir {
-public:
+  public:
     TempDir();
     ~TempDir();
     TempDir(const TempDir&) = delete;
@@ -23,7 +23,7 @@ public:
     const fs::path& path() const noexcept { return path_; }
     fs::path operator/(const fs::path& child) const { return path_ / child; }
 
-private:
+  private:
     fs::path path_;
 };
 
