@@ -24,6 +24,8 @@ class HostPath {
     explicit HostPath(const char16_t* text) : HostPath(std::u16string(text)) {}
     explicit HostPath(const std::filesystem::path& path);
 
+    // The native form of a path text; an empty text stays an empty path.
+    static HostPath fromText(const std::u16string& text);
     // Decodes file-system text (UTF-8 on Linux) into a path.
     static HostPath fromFileSystem(std::string_view text);
     // The process's current folder.

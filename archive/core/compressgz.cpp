@@ -23,10 +23,6 @@ namespace {
 
 constexpr std::streamsize kChunkSize = 16384;
 
-HostPath nativePath(const std::u16string& text) {
-    return text.empty() ? HostPath() : HostPath(text).nativeForm();
-}
-
 // The input's whole name with ".gz" appended: nothing is ever removed or replaced.
 std::u16string gzipFileName(const HostPath& input) {
     const std::u16string extension = input.extension();
@@ -35,7 +31,7 @@ std::u16string gzipFileName(const HostPath& input) {
 
 HostPath outputPathFor(const HostPath& input, const std::u16string& outputFolder) {
     const HostPath folder =
-        nativePath(outputFolder.empty() ? input.parent().native() : outputFolder);
+        HostPath::fromText(outputFolder.empty() ? input.parent().native() : outputFolder);
     const HostPath name(gzipFileName(input));
     // A bare input name and no folder: the bare output name, resolved against the
     // current folder like the input was.
@@ -87,7 +83,7 @@ std::vector<std::u16string> compressgz(const std::vector<std::u16string>& files,
     try {
         buffer = std::make_unique<CopyBuffer>();
         for (const std::u16string& file : files) {
-            inputPath = nativePath(file);
+            inputPath = HostPath::fromText(file);
             // Gz makes the reader strict: an unreadable input is an error, not a warning.
             reader = std::make_unique<ArchiveObjectReader>(inputPath, ArchiveFormat::Gz);
             outputPath = outputPathFor(inputPath, outputFolder);

@@ -27,10 +27,6 @@ namespace {
 
 constexpr std::streamsize kChunkSize = 16384;
 
-HostPath nativePath(const std::u16string& text) {
-    return text.empty() ? HostPath() : HostPath(text).nativeForm();
-}
-
 std::u16string decimalText(std::size_t value) {
     const std::string digits = std::to_string(value);
     return std::u16string(digits.begin(), digits.end());
@@ -59,12 +55,12 @@ std::vector<std::u16string> createWith(const std::u16string& archivePath,
     std::unique_ptr<ArchiveObjectReader> reader;
     try {
         buffer = std::make_unique<CopyBuffer>();
-        creator = makeCreator(nativePath(archivePath), format);
+        creator = makeCreator(HostPath::fromText(archivePath), format);
         for (std::size_t i = 0; i < files.size(); ++i) {
             const std::u16string& entryName = entryNames[i];
             // The next reader exists before the previous one goes, and it is opened even
             // for an input without a name.
-            const HostPath input = nativePath(files[i]);
+            const HostPath input = HostPath::fromText(files[i]);
             reader = std::make_unique<ArchiveObjectReader>(input, format);
             if (entryName.empty()) {
                 continue;

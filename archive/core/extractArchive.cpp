@@ -20,10 +20,6 @@ namespace tessel::io::archive::core {
 
 namespace {
 
-tessel::host::HostPath nativePath(const std::u16string& text) {
-    return text.empty() ? tessel::host::HostPath() : tessel::host::HostPath(text).nativeForm();
-}
-
 // Writes the current entry under the output folder. false: the writer refused to start
 // it (warning already issued) and the entry is skipped.
 bool extractEntry(::archive_entry* entry, DataBlock& block, ArchiveDiskReader& reader,
@@ -49,8 +45,10 @@ std::vector<std::u16string> runExtraction(const std::u16string& archivePath,
     std::unique_ptr<ArchiveDiskReader> reader;
     std::unique_ptr<ArchiveDiskWriter> writer;
     try {
-        reader = std::make_unique<ArchiveDiskReader>(nativePath(archivePath), format, password);
-        writer = std::make_unique<ArchiveDiskWriter>(nativePath(outputFolder));
+        reader = std::make_unique<ArchiveDiskReader>(tessel::host::HostPath::fromText(archivePath),
+                                                     format, password);
+        writer =
+            std::make_unique<ArchiveDiskWriter>(tessel::host::HostPath::fromText(outputFolder));
         DataBlock block;
         loop(*reader, *writer, block);
         std::vector<std::u16string> written = writer->writtenFiles();

@@ -13,21 +13,14 @@
 
 namespace tessel::io::archive::core {
 
-namespace {
-
-tessel::host::HostPath nativePath(const std::u16string& text) {
-    return text.empty() ? tessel::host::HostPath() : tessel::host::HostPath(text).nativeForm();
-}
-
-}  // namespace
-
 void sampleReadWithPassword(const std::u16string& archivePath, const std::u16string& outputFolder,
                             const std::u16string& format, const std::u16string& password) {
     const ArchiveFormat archiveFormat = archiveFormatFromText(format);
     try {
-        auto reader =
-            std::make_unique<ArchiveDiskReader>(nativePath(archivePath), archiveFormat, password);
-        auto writer = std::make_unique<ArchiveDiskWriter>(nativePath(outputFolder));
+        auto reader = std::make_unique<ArchiveDiskReader>(
+            tessel::host::HostPath::fromText(archivePath), archiveFormat, password);
+        auto writer =
+            std::make_unique<ArchiveDiskWriter>(tessel::host::HostPath::fromText(outputFolder));
         DataBlock block;
         ::archive_entry* entry = nullptr;
         // Decryption starts with the first data block: that is where a missing or wrong

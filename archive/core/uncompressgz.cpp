@@ -20,10 +20,6 @@ namespace {
 
 using tessel::host::HostPath;
 
-HostPath nativePath(const std::u16string& text) {
-    return text.empty() ? HostPath() : HostPath(text).nativeForm();
-}
-
 // Where the output of one input goes when no output folder was given: beside the
 // input, as a bare relative name when the input lies in the current folder.
 HostPath folderBesideInput(const HostPath& inputPath) {
@@ -56,10 +52,10 @@ std::vector<std::u16string> uncompressgz(const std::vector<std::u16string>& file
     HostPath inputPath;
     std::unique_ptr<ArchiveDiskReader> reader;
     try {
-        auto writer = std::make_unique<ArchiveDiskWriter>(nativePath(outputFolder));
+        auto writer = std::make_unique<ArchiveDiskWriter>(HostPath::fromText(outputFolder));
         DataBlock block;
         for (const std::u16string& file : files) {
-            inputPath = nativePath(file);
+            inputPath = HostPath::fromText(file);
             // The next reader exists before the previous one goes.
             auto next = std::make_unique<ArchiveDiskReader>(inputPath, ArchiveFormat::Gz, u"");
             reader = std::move(next);
@@ -67,7 +63,7 @@ std::vector<std::u16string> uncompressgz(const std::vector<std::u16string>& file
                 outputName = HostPath(inputPath.stem()).nativeForm().native();
             }
             const HostPath folder =
-                besideInputs ? folderBesideInput(inputPath) : nativePath(outputFolder);
+                besideInputs ? folderBesideInput(inputPath) : HostPath::fromText(outputFolder);
 
             ::archive_entry* entry = nullptr;
             const int found = reader->readNextHeader(&entry);

@@ -68,6 +68,10 @@ fs::path HostPath::fsPath() const {
     return fs::path(access());
 }
 
+HostPath HostPath::fromText(const std::u16string& text) {
+    return text.empty() ? HostPath() : HostPath(text).nativeForm();
+}
+
 HostPath HostPath::nativeForm() const {
     return *this;
 }
