@@ -6,97 +6,21 @@
 # Inputs are made here with bsdtar, zip and gzip, in /tmp, and removed at the end. Prints
 # the median wall time of each side, the ratio and the peak resident memory of each run.
 #
-# usage: bench/extract.sh [path/to/extract_bench]   (default build/bench/extract_bench)
+# usage: bench/extract.sh [path/to/archive_bench]   (default build/bench/archive_bench)
 # environment: ROUNDS (5), BIG_MIB (512), SMALL_FILES (5000)
 set -euo pipefail
 
-BENCH=${1:-build/bench/extract_bench}
+BENCH=${1:-${BENCH:-build/bench/archive_bench}}
 ROUNDS=${ROUNDS:-5}
-BIG_MIB=${BIG_MIB:-512}
-SMALL_FILES=${SMALL_FILES:-5000}
-
-if [[ ! -x $BENCH ]]; then
-    echo "extract.sh: no extract_bench at $BENCH; build it first:" >&2
-    echo "  cmake --build build --target extract_bench" >&2
-    exit 2
-fi
-for tool in bsdtar zip unzip gzip python3 cc; do
-    if ! command -v "$tool" >/dev/null; then
-        echo "extract.sh: $tool is needed" >&2
-        exit 2
-    fi
-done
-BENCH=$(realpath "$BENCH")
-export LC_ALL=C.UTF-8
-
-WORK=$(mktemp -d /tmp/tqarchive-extract-bench-XXXXXX)
-trap 'rm -rf "$WORK"' EXIT
-mkdir -p "$WORK/small" "$WORK/big" "$WORK/in"
-
-echo "Preparing data in $WORK ..."
-python3 - "$WORK" "$SMALL_FILES" "$BIG_MIB" <<'PY'
-import os, random, sys
-work, count, big_mib = sys.argv[1], int(sys.argv[2]), int(sys.argv[3])
-rng = random.Random(7)
-words = ["".join(rng.choice("abcdefghijklmnopqrstuvwxyz") for _ in range(rng.randint(2, 9)))
-         for _ in range(5000)]
-def text(size):
-    out, total = [], 0
-    while total < size:
-        w = rng.choice(words)
-        out.append(w)
-        total += len(w) + 1
-    return (" ".join(out)[:size] + "\n").encode()
-# Small files of 1-8 KiB of text in folders three levels deep.
-for i in range(count):
-    folder = os.path.join(work, "small", "d%02d" % (i % 25), "e%d" % (i % 4), "f%d" % (i % 2))
-    os.makedirs(folder, exist_ok=True)
-    with open(os.path.join(folder, "file%05d.txt" % i), "wb") as f:
-        f.write(text(rng.randint(1024, 8192)))
-# One large file of text that compresses about like prose, each 4 MiB block changed.
-block = bytearray(text(4 << 20))
-with open(os.path.join(work, "big", "big.bin"), "wb") as f:
-    for i in range(big_mib // 4):
-        block[rng.randrange(len(block))] = ord("A") + i % 26
-        f.write(block)
-PY
+source "$(dirname "$0")/common.sh"
+bench_setup extract bsdtar zip unzip gzip
+bench_data 7
+mkdir -p "$WORK/in"
 (cd "$WORK/small" && zip -q -r "$WORK/in/small.zip" . && bsdtar -czf "$WORK/in/small.tgz" .)
 (cd "$WORK/big" && zip -q "$WORK/in/big.zip" big.bin && bsdtar -czf "$WORK/in/big.tgz" big.bin)
 gzip -c "$WORK/big/big.bin" >"$WORK/in/big.bin.gz"
 rm -rf "$WORK/small" "$WORK/big"
 
-# One run: wall seconds and the peak resident set (KiB) of the command, measured by a tiny
-# wrapper (wait4's rusage of that child) so that the measuring process's own memory does
-# not leak into the figure, as it does when a large interpreter forks the command.
-cat >"$WORK/measure.c" <<'C'
-#include <stdio.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <time.h>
-#include <unistd.h>
-int main(int argc, char** argv) {
-    struct timespec start, end;
-    clock_gettime(CLOCK_MONOTONIC, &start);
-    pid_t pid = fork();
-    if (pid == 0) {
-        int devnull = open("/dev/null", 1);
-        dup2(devnull, 1);
-        execvp(argv[1], argv + 1);
-        _exit(127);
-    }
-    int status = 0;
-    struct rusage usage;
-    wait4(pid, &status, 0, &usage);
-    clock_gettime(CLOCK_MONOTONIC, &end);
-    double cpu = usage.ru_utime.tv_sec + usage.ru_stime.tv_sec +
-                 (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
-    printf("%.3f %.3f %ld\n",
-           (end.tv_sec - start.tv_sec) + (end.tv_nsec - start.tv_nsec) / 1e9, cpu,
-           usage.ru_maxrss);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 1;
-}
-C
-cc -O2 -o "$WORK/measure" "$WORK/measure.c" -include fcntl.h
 RESULTS="$WORK/results.txt"
 : >"$RESULTS"
 OUT="$WORK/out"
@@ -106,7 +30,7 @@ run() {  # case side command...; output goes to $OUT, emptied first (not timed)
     rm -rf "$OUT" && mkdir -p "$OUT"
     # Start from clean page cache state: the previous run's writeback is not charged here.
     sync
-    echo "$name $side $("$WORK/measure" "$@") $(du -sk "$OUT" | cut -f1)" >>"$RESULTS"
+    echo "$name $side $(measure "$@") $(du -sk "$OUT" | cut -f1)" >>"$RESULTS"
 }
 
 I=$WORK/in
