@@ -1,101 +1,58 @@
 // uncompressgz: output naming, streams from gzip and pigz (multi-member too), the empty
 // stream, and the failures of the gunzip table.
-#include <gtest/gtest.h>
-
 #include <archive/core/archivecore.hpp>
 
-#include "ExtractTestHelpers.hpp"
+#include "ExtractTest.hpp"
 
-namespace core = tessel::io::archive::core;
 using namespace tqtest;
 
-namespace {
-
-class UncompressGz : public ::testing::Test {
-  protected:
-    void SetUp() override {
-        for (const char* tool : {"gzip", "pigz", "zip"}) {
-            if (!toolAvailable(tool)) {
-                GTEST_SKIP() << tool << " is not installed";
-            }
-        }
-        writeFile(dir_ / "in/a.txt", "alpha " + randomBytes(100000, 1));
-        writeFile(dir_ / "in/b.txt", "beta\n");
-        writeFile(dir_ / "in/empty", "");
-        sh("cd " + shellQuote((dir_ / "in").string()) +
-           " && gzip -k a.txt && pigz -k b.txt && gzip -k empty && cp b.txt.gz b.tgz && "
-           "cat a.txt.gz b.txt.gz > ab.txt.gz && echo plain text > text.gz && zip -q zip.gz b.txt "
-           "&& "
-           ": > emptyfile.gz && head -c 20 a.txt.gz > cut.gz && head -c 90000 a.txt.gz > "
-           "cutlate.gz");
-    }
-    fs::path in(const std::string& name) const { return dir_ / "in" / name; }
-    TempDir dir_;
-};
-
-}  // namespace
-
-TEST_F(UncompressGz, OutputNamesAndContents) {
-    const fs::path out = dir_ / "out";
-    const auto written = core::uncompressgz(
-        {u16(in("a.txt.gz")), u16(in("b.txt.gz")), u16(in("b.tgz")), u16(in("ab.txt.gz"))},
-        u16(out), false);
-    EXPECT_EQ(written, under(out, {"a.txt", "b.txt", "b", "ab.txt"}));
-    EXPECT_EQ(readFile(out / "a.txt"), readFile(in("a.txt")));
-    EXPECT_EQ(readFile(out / "b"), "beta\n");
-    EXPECT_EQ(readFile(out / "ab.txt"), readFile(in("a.txt")) + "beta\n") << "every member";
-
-    // No output folder: beside the input, or a bare name for an input in the current folder.
-    EXPECT_EQ(core::uncompressgz({u16(in("b.txt.gz"))}, u"", false), under(dir_ / "in", {"b.txt"}));
-    const fs::path saved = fs::current_path();
-    fs::current_path(dir_ / "in");
-    const auto bare = core::uncompressgz({u"b.tgz", u16(in("b.txt.gz"))}, u"", false);
-    fs::current_path(saved);
-    EXPECT_EQ(bare, u16list({"b", "b.txt"}));
-
-    // An exact output path names the file itself.
-    EXPECT_EQ(core::uncompressgz({u16(in("b.txt.gz"))}, u16(out / "result.bin"), true),
-              u16list({(out / "result.bin").string()}));
-    EXPECT_EQ(readFile(out / "result.bin"), "beta\n");
-
-    EXPECT_TRUE(core::uncompressgz({}, u16(out), false).empty());
-}
-
-TEST_F(UncompressGz, EmptyStreamGivesAnEmptyReadableFile) {
-    const fs::path out = dir_ / "out";
-    EXPECT_EQ(core::uncompressgz({u16(in("empty.gz"))}, u16(out), false), under(out, {"empty"}));
-    EXPECT_EQ(fs::file_size(out / "empty"), 0u);
-    EXPECT_EQ(fileMode(out / "empty"), 0644u);
-}
-
-TEST_F(UncompressGz, FailuresCarryTheirIdentifiers) {
-    const fs::path out = dir_ / "out";
-    const struct {
-        std::vector<fs::path> inputs;
-        std::string identifier;
-        std::vector<std::string> arguments;
-    } cases[] = {
-        // A stream cut short is found when it is opened, before its own output is named.
-        {{in("cut.gz")}, "TESSEL:io:archive:gunzip:javaCopyStreamError", {""}},
-        {{in("b.txt.gz"), in("cut.gz")}, "TESSEL:io:archive:gunzip:javaCopyStreamError", {"b.txt"}},
-        // Cut late, the stream opens and fails while its data is copied.
-        {{in("cutlate.gz")}, "TESSEL:io:archive:extractArchive:internalError", {}},
-        {{in("text.gz")}, "TESSEL:io:archive:gunzip:notGzipFormat", {in("text.gz").string()}},
-        {{in("zip.gz")}, "TESSEL:io:archive:gunzip:notGzipFormat", {in("zip.gz").string()}},
-        {{in("emptyfile.gz")},
-         "TESSEL:io:archive:gunzip:notGzipFormat",
-         {in("emptyfile.gz").string()}},
-        {{in("missing.gz")}, "TESSEL:io:archive:gunzip:javaOpenError", {in("missing.gz").string()}},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.inputs.back().string());
+TEST_F(ExtractTest, UncompressGzNamesContentsAndFailures) {
+    REQUIRE_TOOLS("gzip", "pigz", "zip");
+    const std::string a = "alpha " + randomBytes(100000, 1);
+    writeFile(dir / "in/a.txt", a);
+    writeFile(dir / "in/b.txt", "beta");
+    writeFile(dir / "in/empty", "");
+    sh("cd in && gzip -k a.txt && pigz -k b.txt && gzip -k empty && cp b.txt.gz b.tgz && "
+       "cp b.txt.gz ../c.gz && cat a.txt.gz b.txt.gz > ab.txt.gz && echo text > text.gz && "
+       "zip -q zip.gz b.txt && : > emptyfile.gz && head -c 20 a.txt.gz > cut.gz && "
+       "head -c 90000 a.txt.gz > cutlate.gz");
+    const auto here = enter(dir / "in");
+    const std::u16string out = u16(dir / "out");
+    const std::vector<std::tuple<std::vector<std::string>, std::u16string, bool, std::string>>
+        cases = {
+            // Inputs are relative to the current folder, or absolute with "~" for the temp folder.
+            {{"a.txt.gz", "b.txt.gz", "b.tgz", "ab.txt.gz", "empty.gz"},
+             out,
+             false,
+             "~/out/a.txt ~/out/b.txt ~/out/b ~/out/ab.txt ~/out/empty"},
+            // Beside the input; the current folder's own inputs get bare names, by text.
+            {{"~/in/b.txt.gz", "b.tgz", "../c.gz"}, u"", false, "b.txt b ../c"},
+            {{"b.txt.gz"}, u16(dir / "out/result.bin"), true, "~/out/result.bin"},
+            {{}, out, false, ""},
+            // A stream cut short fails when opened, before its own output is named.
+            {{"cut.gz"}, out, false, "!gunzip:javaCopyStreamError()"},
+            {{"b.txt.gz", "cut.gz"}, out, false, "!gunzip:javaCopyStreamError(b.txt)"},
+            // Cut late, the stream opens and fails while its data is copied.
+            {{"cutlate.gz"}, out, false, "!extractArchive:internalError"},
+            {{"text.gz"}, out, false, "!gunzip:notGzipFormat(text.gz)"},
+            {{"zip.gz"}, out, false, "!gunzip:notGzipFormat(zip.gz)"},
+            {{"emptyfile.gz"}, out, false, "!gunzip:notGzipFormat(emptyfile.gz)"},
+            {{"missing.gz"}, out, false, "!gunzip:javaOpenError(missing.gz)"},
+        };
+    for (const auto& [names, folder, exact, expected] : cases) {
         std::vector<std::u16string> inputs;
-        for (const auto& input : c.inputs) {
-            inputs.push_back(u16(input));
+        for (const std::string& name : names) {
+            inputs.push_back(u16(name[0] == '~' ? dir.string() + name.substr(1) : name));
         }
-        const auto raised = raisedBy([&] { core::uncompressgz(inputs, u16(out), false); });
-        ASSERT_TRUE(raised.has_value());
-        EXPECT_EQ(raised->identifier, c.identifier);
-        EXPECT_EQ(raised->arguments, c.arguments);
+        EXPECT_EQ(
+            outcome([&] { return tessel::io::archive::core::uncompressgz(inputs, folder, exact); }),
+            expected);
     }
+    EXPECT_EQ(readFile(dir / "out/a.txt"), a);
+    EXPECT_EQ(readFile(dir / "out/ab.txt"), a + "beta") << "every member";
+    EXPECT_EQ(readFile(dir / "c"), "beta");
+    // The partial output of the stream cut late stays.
+    EXPECT_EQ(listing(dir / "out"),
+              "a.txt=... ab.txt=... b.txt=beta b=beta cutlate=... empty= result.bin=beta");
+    EXPECT_EQ(fileMode(dir / "out/empty"), 0644u);
 }
