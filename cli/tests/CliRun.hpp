@@ -8,6 +8,7 @@
 namespace clitest {
 
 namespace fs = std::filesystem;
+using namespace tqtest;
 
 struct CliResult {
     int status = -1;
@@ -16,10 +17,14 @@ struct CliResult {
 };
 
 // Runs "tqarchive ARGS" (ARGS as a shell would read them) in the folder, with standard
-// input from /dev/null unless the prefix redirects it; prefix goes before the program
-// (for example "setpriv ...").
+// input from /dev/null unless ARGS redirect it; prefix goes before the program (for
+// example "setpriv ...").
 CliResult tqarchive(const fs::path& folder, const std::string& args,
                     const std::string& prefix = "");
+
+// Whether standard error reports the identifier ("Error: TEXT [ID]" or "Warning: TEXT
+// [ID]") with a text found in the catalogue.
+bool reports(const CliResult& result, const std::string& identifier);
 
 // Runs a shell command in the folder; fails the test when it fails.
 void shell(const fs::path& folder, const std::string& command);
