@@ -1,115 +1,126 @@
-#include <memory>
+#include <regex>
+#include <set>
+#include <sstream>
 #include <thread>
 
 #include <gtest/gtest.h>
+#include <boost/algorithm/string/join.hpp>
 
 #include <host/HostError.hpp>
-#include <host/HostInternalException.hpp>
+#include <host/TextConversion.hpp>
 #include <host/WarningCapture.hpp>
 
-#include "HostTestSupport.hpp"
+#include "archive/tests/support/TestSupport.hpp"
 
 using namespace tessel::host;
+using Texts = std::vector<std::string>;
 
-namespace {
+// Every identifier the library and the host raise or warn, by the number of arguments its
+// text takes; "group: a b" stands for "TESSEL:group:a TESSEL:group:b".
+const char* const kIdentifiers[] = {
+    "io:archive:createArchive: emptyPassword invalidArchiveFormat invalidEncryptionInLinux "
+    "unsupportedEncryptionInLinux invalidNumberOfArgs io:archive:extractArchive: "
+    "incorrectPassword protectedEntry outputDiskFull unsupportedEncryptionInLinux internalError "
+    "host: tooManyOutputs tooManyInputs tooFewInputs",
+    "io:archive:gzip: javaOpenError javaOutputOpenError io:archive:gunzip: javaOpenError "
+    "javaOutputOpenError javaCopyStreamError notGzipFormat io:archive:zip: openError "
+    "DiskSpaceFull io:archive:tar: openError DiskSpaceFull io:archive:unzip: invalidZipFile "
+    "io:archive:untar: invalidTarFile io:archive:createArchive: DiskSpaceFull openEntryError "
+    "zip: openEntryError tar: openEntryError io:archive:extractArchive: OverwriteOpenFile "
+    "unableToCreate unableToOverwrite removeControlM host: expectedString expectedStringArray "
+    "expectedLogical expectedCell",
+    "io:archive:createArchive: entryNameCountMismatch io:archive:extractArchive: unableToWrite "
+    "emptyEntryFilename",
+};
+
+// Without arguments a text shows its placeholders {1}..{n}; with them, each placeholder holds
+// its own argument, nothing else changes and no placeholder is left.
+TEST(MessageCatalogue, HoldsExactlyTheKnownIdentifiersFillsEveryPlaceholderElseFallsBack) {
+    std::set<std::string> expected;
+    for (std::size_t count = 0; count < std::size(kIdentifiers); ++count) {
+        std::istringstream words(kIdentifiers[count]);
+        for (std::string word, group; words >> word;) {
+            if (word.ends_with(':')) {
+                group = "TESSEL:" + word;
+                continue;
+            }
+            const std::string identifier = group + word;
+            EXPECT_TRUE(expected.insert(identifier).second && catalogueHas(identifier)) << word;
+            std::string text = lookupMessageUtf8(identifier);
+            std::vector<MessageArgument> arguments;
+            for (std::size_t i = 1; i <= count; ++i) {
+                const std::string n = std::to_string(i);
+                EXPECT_NE(text.find("{" + n + "}"), std::string::npos) << identifier;
+                arguments.emplace_back("<" + n + "é>");
+                text = std::regex_replace(text, std::regex("\\{" + n + "\\}"), "<" + n + "é>");
+            }
+            EXPECT_FALSE(std::regex_search(text, std::regex(R"(\{[0-9]+\})"))) << text;
+            EXPECT_EQ(lookupMessageUtf8(identifier, arguments), text);
+            EXPECT_EQ(lookupMessage(identifier, arguments), fromUtf8(text));
+        }
+    }
+    // Other components (the command-line host) keep theirs under their own prefix.
+    Texts listed = catalogueIdentifiers();
+    std::erase_if(listed, [](const std::string& id) { return !id.starts_with("TESSEL:"); });
+    EXPECT_EQ(std::set<std::string>(listed.begin(), listed.end()), expected);
+    EXPECT_EQ(lookupMessageUtf8("TESSEL:no:where", {std::string("a"), std::u16string(u"b")}),
+              "Unknown message identifier 'TESSEL:no:where' (arguments: a, b)");
+    EXPECT_EQ(lookupMessageUtf8(""), "Unknown message identifier '' (no arguments)");
+}
 
 const MessageIdError kNotGzip("TESSEL:io:archive:gunzip", "notGzipFormat",
                               {std::u16string(u"/tmp/été.txt")});
-const std::string kNotGzipText = lookupMessageUtf8(kNotGzip.identifier(), kNotGzip.arguments());
+const std::string kNotGzipId = kNotGzip.identifier();
+const std::string kNotGzipText = lookupMessageUtf8(kNotGzipId, kNotGzip.arguments());
 
-TEST(HostError, CarriesIdentifierArgumentsAndText) {
-    const auto raised = hosttest::raisedBy([] { kNotGzip.raise(); });
-    ASSERT_TRUE(raised);
-    EXPECT_EQ(raised->identifier, "TESSEL:io:archive:gunzip:notGzipFormat");
-    EXPECT_EQ(raised->arguments, std::vector<std::string>{"/tmp/été.txt"});
-    EXPECT_EQ(raised->text, kNotGzipText);
-    EXPECT_NE(kNotGzipText.find("/tmp/été.txt"), std::string::npos);
-
-    // The generic form: empty arguments that the caller fills in order.
-    MessageIdError generic("TESSEL:io:archive:extractArchive", "unableToWrite", 2);
-    ASSERT_EQ(generic.arguments().size(), 2u);
-    EXPECT_EQ(std::get<std::u16string>(generic.arguments()[1]), u"");
-    generic.arguments()[0] = std::u16string(u"/a.zip");
-    generic.arguments()[1] = lookupMessage("TESSEL:io:archive:extractArchive:protectedEntry");
-    const auto filled = hosttest::raisedBy([&] { raiseHostError(generic); });
-    ASSERT_TRUE(filled);
-    EXPECT_EQ(filled->arguments[0], "/a.zip");
-    EXPECT_NE(filled->text.find("password"), std::string::npos);
-}
-
-TEST(HostError, OverridingIdentifierReplacesOnlyTheId) {
-    const MessageIdError diskFull("TESSEL:io:archive:createArchive", "DiskSpaceFull",
-                                  {std::u16string(u"/full/a.zip")});
-    try {
-        diskFull.raise("TESSEL:io:archive:zip:DiskSpaceFull");
-    } catch (const HostError& error) {
-        EXPECT_EQ(error.GetID(), "TESSEL:io:archive:zip:DiskSpaceFull");
-        EXPECT_EQ(error.GetBaseMsgIDObj().identifier(),
-                  "TESSEL:io:archive:createArchive:DiskSpaceFull");
-        EXPECT_EQ(error.arguments(), std::vector<std::string>{"/full/a.zip"});
-        const std::unique_ptr<HostError> copy(error.clone());
-        const auto again = hosttest::raisedBy([&] { copy->rethrow(); });
-        ASSERT_TRUE(again);
-        EXPECT_EQ(again->identifier, error.GetID());
-        EXPECT_EQ(again->text, error.what());
+// A raised error shows the identifier it was raised under and that identifier's text; an
+// override the catalogue lacks keeps the text of the error itself.
+TEST(HostError, ShowsIdentifierArgumentsAndTextUnderAnyOverride) {
+    const std::string zipOpen = "TESSEL:io:archive:zip:openError", custom = "TESSEL:custom:x";
+    const std::tuple<std::string, std::string, std::string> cases[] = {
+        {"", kNotGzipId, kNotGzipText},
+        {zipOpen, zipOpen, lookupMessageUtf8(zipOpen, kNotGzip.arguments())},
+        {custom, custom, kNotGzipText},
+    };
+    for (const auto& [overriding, identifier, text] : cases) {
+        const auto raised = tqtest::raisedBy(
+            [&] { overriding.empty() ? kNotGzip.raise() : kNotGzip.raise(overriding); });
+        ASSERT_TRUE(raised);
+        EXPECT_EQ(std::tie(raised->identifier, raised->text, raised->arguments),
+                  std::make_tuple(identifier, text, Texts{"/tmp/été.txt"}));
     }
-    // An override the catalogue lacks keeps the text of the error it stands for.
-    const auto raised = hosttest::raisedBy([] { kNotGzip.raise("TESSEL:custom:notGzip"); });
-    ASSERT_TRUE(raised);
-    EXPECT_EQ(raised->identifier, "TESSEL:custom:notGzip");
-    EXPECT_EQ(raised->text, kNotGzipText);
 }
 
-TEST(Warnings, PrintedOnStandardErrorWithoutCapture) {
-    testing::internal::CaptureStderr();
-    kNotGzip.warn();
-    kNotGzip.warn("TESSEL:other:id");
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "Warning: " + kNotGzipText + " [TESSEL:io:archive:gunzip:notGzipFormat]\n" +
-                  "Warning: " + kNotGzipText + " [TESSEL:other:id]\n");
+// "identifier(arguments)" of every warning the capture recorded.
+static Texts recorded(const WarningCapture& capture) {
+    Texts ids;
+    for (const IssuedWarning& warning : capture.warnings()) {
+        ids.push_back(warning.identifier + "(" + boost::algorithm::join(warning.arguments, ",") +
+                      ")");
+    }
+    return ids;
 }
 
-TEST(Warnings, InnermostCaptureOfTheThreadRecords) {
+TEST(Warnings, InnermostCaptureOfTheCallingThreadRecords) {
     testing::internal::CaptureStderr();
     WarningCapture outer;
     kNotGzip.warn();
     {
         WarningCapture inner;
-        issueHostWarning(kNotGzip, "TESSEL:inner:id");
-        ASSERT_EQ(inner.warnings().size(), 1u);
-        EXPECT_EQ(inner.warnings()[0].identifier, "TESSEL:inner:id");
-        EXPECT_EQ(inner.warnings()[0].arguments, std::vector<std::string>{"/tmp/été.txt"});
+        kNotGzip.warn("TESSEL:inner:id");
+        EXPECT_EQ(recorded(inner), Texts{"TESSEL:inner:id(/tmp/été.txt)"});
     }
     issueHostWarning(MessageIdError("TESSEL:io:archive:extractArchive", "internalError"));
-    std::vector<IssuedWarning> theirs;
+    Texts theirs;
     std::thread([&] {
         kNotGzip.warn("TESSEL:uncaptured:thread");  // no capture on this thread: printed
         WarningCapture own;
         kNotGzip.warn("TESSEL:captured:thread");
-        theirs = own.warnings();
+        theirs = recorded(own);
     }).join();
-    const std::string printed = testing::internal::GetCapturedStderr();
-    ASSERT_EQ(outer.warnings().size(), 2u);
-    EXPECT_EQ(outer.warnings()[0].identifier, "TESSEL:io:archive:gunzip:notGzipFormat");
-    EXPECT_EQ(outer.warnings()[1].identifier, "TESSEL:io:archive:extractArchive:internalError");
-    EXPECT_TRUE(outer.warnings()[1].arguments.empty());
-    ASSERT_EQ(theirs.size(), 1u);
-    EXPECT_EQ(theirs[0].identifier, "TESSEL:captured:thread");
-    EXPECT_EQ(printed, "Warning: " + kNotGzipText + " [TESSEL:uncaptured:thread]\n");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "Warning: " + kNotGzipText + " [TESSEL:uncaptured:thread]\n");
+    EXPECT_EQ(recorded(outer), (Texts{kNotGzipId + "(/tmp/été.txt)",
+                                      "TESSEL:io:archive:extractArchive:internalError()"}));
+    EXPECT_EQ(theirs, Texts{"TESSEL:captured:thread(/tmp/été.txt)"});
 }
-
-class TextException : public HostInternalException {
-  public:
-    HostExceptionInterface* clone() const override { return new TextException(*this); }
-    [[noreturn]] void rethrow() const override { throw *this; }
-    std::u16string messageText() const override { return u"Échec: 書類 😀"; }
-};
-
-TEST(HostInternalException, WhatIsTheUtf8OfTheMessage) {
-    const TextException error;
-    EXPECT_STREQ(error.what(), "Échec: 書類 😀");
-    EXPECT_EQ(error.convert_str(std::string("\xFF raw")), "\xFF raw");
-    EXPECT_EQ(error.convert_str(std::u16string(u"ü")), "ü");
-}
-
-}  // namespace

@@ -1,73 +1,75 @@
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <gtest/gtest.h>
 
 #include <host/FileSystemError.hpp>
 #include <host/HostPath.hpp>
 #include <host/TextConversion.hpp>
 
-#include "HostTestSupport.hpp"
+#include "archive/tests/support/TestSupport.hpp"
 
 using namespace tessel::host;
-using hosttest::TempFolder;
 namespace fs = std::filesystem;
 
-namespace {
-
-HostPath hp(const std::string& utf8) {
-    return HostPath(fromUtf8(utf8));
-}
-
-TEST(HostPath, SplitsLikeTheFileSystem) {
-    struct Parts {
-        std::string path, stem, extension, parent, relative;
+// Paths are UTF-16 text, converted to and from the file system's UTF-8.
+// Valid text converts both ways unchanged; invalid input loses exactly its bad code units,
+// the same way through every entry point.
+TEST(TextConversion, ValidTextRoundTripsAndInvalidUnitsAreSkipped) {
+    enum Way { Both, ToWide, ToNarrow };
+    const std::tuple<std::string, std::u16string, Way> table[] = {
+        {"", u"", Both},
+        {"café résumé naïve", u"café résumé naïve", Both},
+        {"日本語のファイル", u"日本語のファイル", Both},
+        {"😀 party 🎉", u"\xD83D\xDE00 party \xD83C\xDF89", Both},  // surrogate pairs
+        {"x\xFFy", u"xy", ToWide},                                // never occurs in UTF-8
+        {"x\xC0\xAFy", u"xy", ToWide},                            // overlong '/'
+        {"x\xED\xA0\x80y", u"xy", ToWide},                        // encoded surrogate
+        {"xy\xE6\x97", u"xy", ToWide},                            // truncated sequence
+        {"\x80y", u"y", ToWide},                                  // stray continuation byte
+        {"\xF4\x90\x80\x80", u"", ToWide},                        // beyond U+10FFFF
+        {"xy", u"x\xDC00y", ToNarrow},                            // lone low surrogate
+        {"xy", u"xy\xD800", ToNarrow},                            // high surrogate at the end
+        {"\xF0\x9F\x98\x80", u"\xDC00\xD83D\xDE00", ToNarrow},    // the pair after it survives
     };
-    const Parts table[] = {
-        {"/a/b/file.txt", "file", "txt", "/a/b", "a/b/file.txt"},
-        {"archive.tar.gz", "archive.tar", "gz", "", "archive.tar.gz"},
-        {"notes", "notes", "", "", "notes"},
-        {".profile", ".profile", "", "", ".profile"},
-        {"dir/a.", "a", "", "dir", "dir/a."},
-        {"dir/", "", "", "dir", "dir/"},
-        {"/", "", "", "/", ""},
-        {"", "", "", "", ""},
-        {"/données/été.zip", "été", "zip", "/données", "données/été.zip"},
-        {"日本/書類.7z", "書類", "7z", "日本", "日本/書類.7z"},
-    };
-    for (const Parts& p : table) {
-        const HostPath path = hp(p.path);
-        EXPECT_EQ(toUtf8(path.stem()), p.stem) << p.path;
-        EXPECT_EQ(toUtf8(path.extension()), p.extension) << p.path;
-        EXPECT_EQ(path.parent(), hp(p.parent)) << p.path;
-        EXPECT_EQ(path.relative(), hp(p.relative)) << p.path;
-        EXPECT_EQ(path.access(), p.path);
-        EXPECT_EQ(path.fsPath(), fs::path(p.path));
-        EXPECT_EQ(path.generic(), fromUtf8(p.path));
-        EXPECT_EQ(path.nativeForm(), path);
-        EXPECT_EQ(path.isAbsolute(), p.path.starts_with("/")) << p.path;
+    for (const auto& [narrow, wide, way] : table) {
+        EXPECT_TRUE(way == ToNarrow || fromUtf8(narrow) == wide) << narrow;
+        EXPECT_TRUE(way == ToNarrow || fromFileSystemText(narrow) == wide) << narrow;
+        EXPECT_TRUE(way == ToWide || (toUtf8(wide) == narrow && toNarrow(wide) == narrow))
+            << narrow;
     }
-    EXPECT_EQ(HostPath::fromFileSystem("/tmp/caf\xC3\xA9").native(), u"/tmp/café");
 }
 
-TEST(HostPath, ConcatenatesAndMakesAbsoluteWithoutNormalising) {
-    const std::tuple<std::string, std::string, std::string> joins[] = {
-        {"a", "b", "a/b"},     {"", "b", "b"},          {"a/", "b", "a/b"},
-        {"a", "/abs", "/abs"}, {"/x", "y/z", "/x/y/z"}, {"été", "😀.gz", "été/😀.gz"},
+// Text operations only: nothing is normalised, nothing touches the disk.
+TEST(HostPath, SplitsJoinsAndMakesAbsoluteAsText) {
+    const auto hp = &HostPath::fromFileSystem;
+    // path -> stem, extension, parent, relative, path / "x", path.absolute("/b")
+    const std::pair<std::string, std::vector<std::string>> table[] = {
+        {"/a/f.txt", {"f", "txt", "/a", "a/f.txt", "/a/f.txt/x", "/a/f.txt"}},
+        {"arc.tar.gz", {"arc.tar", "gz", "", "arc.tar.gz", "arc.tar.gz/x", "/b/arc.tar.gz"}},
+        {"notes", {"notes", "", "", "notes", "notes/x", "/b/notes"}},
+        {".profile", {".profile", "", "", ".profile", ".profile/x", "/b/.profile"}},
+        {"d/a.", {"a", "", "d", "d/a.", "d/a./x", "/b/d/a."}},
+        {"d/", {"", "", "d", "d/", "d/x", "/b/d/"}},
+        {"/", {"", "", "/", "", "/x", "/"}},
+        {"", {"", "", "", "", "x", "/b"}},
+        {"a/../c", {"c", "", "a/..", "a/../c", "a/../c/x", "/b/a/../c"}},
+        {"/dé/😀.zip", {"😀", "zip", "/dé", "dé/😀.zip", "/dé/😀.zip/x", "/dé/😀.zip"}},
+        {"日本/書.7z", {"書", "7z", "日本", "日本/書.7z", "日本/書.7z/x", "/b/日本/書.7z"}},
     };
-    for (const auto& [left, right, joined] : joins) {
-        EXPECT_EQ(hp(left) / hp(right), hp(joined)) << left << " / " << right;
+    for (const auto& [text, parts] : table) {
+        const HostPath path = hp(text);
+        EXPECT_EQ(
+            (std::vector<std::string>{toUtf8(path.stem()), toUtf8(path.extension()),
+                                      path.parent().access(), path.relative().access(),
+                                      (path / hp("x")).access(), path.absolute(hp("/b")).access()}),
+            parts);
+        EXPECT_EQ(path.isAbsolute(), text.starts_with("/")) << text;
     }
-    const HostPath cwd = HostPath::currentDirectory();
-    EXPECT_EQ(cwd, HostPath(fs::current_path()));
-    EXPECT_EQ(hp("rel/x").absolute(), cwd / hp("rel/x"));
-    EXPECT_EQ(hp("a/../b").absolute(hp("/base")), hp("/base/a/../b"));
-    EXPECT_EQ(hp("/abs/./y").absolute(hp("/base")), hp("/abs/./y"));
-    EXPECT_EQ(hp("x").absolute(hp("sub")), cwd / hp("sub/x"));
-    EXPECT_EQ(HostPath().absolute(hp("/base")), hp("/base"));
+    EXPECT_EQ(hp("x").absolute(), HostPath::currentDirectory() / hp("x"));
+    EXPECT_EQ(hp("x").absolute(hp("sub")), HostPath(fs::current_path()) / hp("sub/x"));
+    EXPECT_EQ(hp("a") / hp("/abs"), hp("/abs"));
 }
 
-int kindRaised(const std::function<void()>& call) {
+// The kind of file-system error the call raised; 0 when it returned.
+static int kindRaised(const std::function<void()>& call) {
     try {
         call();
     } catch (const FileSystemError& error) {
@@ -76,75 +78,51 @@ int kindRaised(const std::function<void()>& call) {
     return 0;
 }
 
-TEST(HostPath, StatusFollowsLinksAndReportsPermissionBits) {
-    TempFolder dir;
-    // mode -> owner-read, owner-write, group-read, others-read
-    const std::pair<unsigned, std::string> modes[] = {
-        {0644, "1111"}, {0600, "1100"}, {0440, "1010"}, {0004, "0001"}, {0000, "0000"}};
-    for (const auto& [mode, bits] : modes) {
-        const fs::path file = dir / ("f" + std::to_string(mode));
-        hosttest::writeFile(file, "x");
-        ASSERT_EQ(chmod(file.c_str(), mode), 0);
-        fs::create_symlink(file, file.string() + ".link");
-        for (const fs::path& path : {file, fs::path(file.string() + ".link")}) {
+TEST(HostPath, StatusExistsAndRemoveOnRealFilesAndAccessDeniedForAnUnprivilegedCaller) {
+    tqtest::TempDir dir;
+    // folder, owner read, owner write, group read, others read; a link reports its target
+    for (const auto& [mode, bits] : std::vector<std::pair<unsigned, std::string>>{
+             {0644, "01111"}, {0600, "01100"}, {0440, "01010"}, {0004, "00001"}, {0, "00000"}}) {
+        const fs::path file = dir / ("f" + bits), link = dir / ("l" + bits);
+        tqtest::writeFile(file, "x");
+        fs::permissions(file, fs::perms(mode));
+        fs::create_symlink(file, link);
+        for (const fs::path& path : {file, link}) {
             const FileStatus s = HostPath(path).status();
-            const std::string seen{"01"[s.ownerRead], "01"[s.ownerWrite], "01"[s.groupRead],
-                                   "01"[s.othersRead]};
-            EXPECT_EQ(seen, bits) << path;
-            EXPECT_FALSE(s.isFolder);
+            EXPECT_EQ((std::string{"01"[s.isFolder], "01"[s.ownerRead], "01"[s.ownerWrite],
+                                   "01"[s.groupRead], "01"[s.othersRead]}),
+                      bits)
+                << path;
         }
     }
-    fs::create_directory(dir / "sub");
+    fs::create_directories(dir / "sub/inner");
     fs::create_directory_symlink(dir / "sub", dir / "sublink");
-    EXPECT_TRUE(HostPath(dir / "sub").status().isFolder);
-    EXPECT_TRUE(HostPath(dir / "sublink").status().isFolder);
-}
+    EXPECT_TRUE(HostPath(dir / "sub").status().isFolder &&
+                HostPath(dir / "sublink").status().isFolder);
 
-TEST(HostPath, ExistsAndRemoveOnRealFiles) {
-    TempFolder dir;
     const HostPath file(dir / "données.txt");
-    hosttest::writeFile(file.fsPath(), "bytes");
-    EXPECT_TRUE(file.exists());
-    EXPECT_TRUE(file.remove());
-    EXPECT_FALSE(fs::exists(dir / "données.txt"));
-    EXPECT_FALSE(file.exists());
-    EXPECT_FALSE(file.remove());
+    tqtest::writeFile(file.fsPath(), "bytes");
+    EXPECT_TRUE(file.exists() && file.remove());
+    EXPECT_FALSE(fs::exists(file.fsPath()) || file.exists() || file.remove());
     EXPECT_EQ(kindRaised([&] { file.status(); }), FileSystemError::NotFound);
-    hosttest::writeFile(dir / "plain", "x");
-    EXPECT_FALSE(HostPath(dir / "plain/below").exists());  // a file on the way: not found
     fs::create_symlink(dir / "nowhere", dir / "dangling");
-    EXPECT_FALSE(HostPath(dir / "dangling").exists());
+    // A dangling link, a file on the way: not found.
+    EXPECT_FALSE(HostPath(dir / "dangling").exists() || HostPath(dir / "f01111/x").exists());
+    EXPECT_EQ(kindRaised([&] { HostPath(dir / "sub").remove(); }), FileSystemError::Other);
+    EXPECT_TRUE(HostPath(dir / "sub/inner").remove() && HostPath(dir / "sub").remove());
 
-    fs::create_directories(dir / "full/inner");
-    EXPECT_EQ(kindRaised([&] { HostPath(dir / "full").remove(); }), FileSystemError::Other);
-    EXPECT_TRUE(fs::exists(dir / "full/inner"));
-    EXPECT_TRUE(HostPath(dir / "full/inner").remove());
-    EXPECT_TRUE(HostPath(dir / "full").remove());
-}
-
-TEST(HostPath, AccessDeniedIsKindSix) {
-    TempFolder dir;
-    fs::create_directory(dir / "locked");
-    hosttest::writeFile(dir / "locked/inside", "x");
+    fs::permissions(dir.path(), fs::perms(0755));
+    tqtest::writeFile(dir / "locked/inside", "x");
     fs::permissions(dir / "locked", fs::perms(0700));
-    hosttest::writeFile(dir / "kept", "x");  // in a folder only root may change
-
-    const hosttest::ChildResult child = hosttest::runChild([&] {
-        if (setgid(65534) != 0 || setuid(65534) != 0) {
-            return 3;
-        }
-        for (const auto& call :
-             std::vector<std::function<void()>>{[&] { HostPath(dir / "locked/inside").exists(); },
-                                                [&] { HostPath(dir / "locked/missing").exists(); },
-                                                [&] { HostPath(dir / "locked/inside").status(); },
-                                                [&] { HostPath(dir / "kept").remove(); }}) {
-            std::printf("%d ", kindRaised(call));
-        }
-        return 0;
-    });
-    EXPECT_EQ(child.status, 0);
-    EXPECT_EQ(child.output, "6 6 6 6 ");
-    EXPECT_TRUE(fs::exists(dir / "kept"));
+    // The kept file lies in a folder only root may change.
+    const HostPath inside(dir / "locked/inside"), missing(dir / "locked/no"), kept(dir / "f01111");
+    const std::string kinds = tqtest::runInChild(
+        [&] {
+            const auto kind = [](auto call) { return std::to_string(kindRaised(call)); };
+            return kind([&] { inside.exists(); }) + kind([&] { missing.exists(); }) +
+                   kind([&] { inside.status(); }) + kind([&] { kept.remove(); });
+        },
+        tqtest::dropPrivileges);
+    EXPECT_EQ(kinds, "6666");
+    EXPECT_TRUE(kept.exists());
 }
-
-}  // namespace

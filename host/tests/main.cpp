@@ -1,38 +1,19 @@
-#include <cstdlib>
-#include <cstring>
-
 #include <gtest/gtest.h>
-#include <boost/log/sources/record_ostream.hpp>
 
 #include <host/DiagnosticLogger.hpp>
 
-namespace {
-
-// A fresh process whose first logger configures the sinks from the environment: writes
-// two records the way the library's log statements do (mask first) and exits. Used by the
-// diagnostic-logger tests through runRole.
-int logTwoRecords() {
-    tessel::host::DiagnosticLogger logger("tessel::io::archive::core");
-    const std::pair<int, const char*> records[] = {{512, "first record"}, {1, "second record"}};
-    for (const auto& [severity, text] : records) {
-        if (!logger.enabled(static_cast<std::uint32_t>(severity))) {
-            continue;
-        }
-        if (boost::log::record record = logger.openRecord(severity)) {
-            boost::log::record_ostream stream(record);
-            stream << text;
-            stream.flush();
-            logger.pushRecord(std::move(record));
-        }
-    }
-    return 0;
-}
-
-}  // namespace
+// Writes a record the way the library's log statements do (mask first); returns whether one
+// was written. Defined with the logger's tests.
+bool logRecord(tessel::host::DiagnosticLogger& logger, int severity, const std::string& text);
 
 int main(int argc, char** argv) {
-    if (const char* role = std::getenv("TQHOST_TEST_ROLE"); role && std::strcmp(role, "log") == 0) {
-        return logTwoRecords();
+    // The "log" role: a fresh process, whose first logger configures the sinks from the
+    // environment, writes a 512 and a 1 record and exits.
+    if (std::getenv("TQHOST_TEST_ROLE") != nullptr) {
+        tessel::host::DiagnosticLogger logger("tessel::io::archive::core");
+        logRecord(logger, 512, "first record");
+        logRecord(logger, 1, "second record");
+        return 0;
     }
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
