@@ -29,8 +29,9 @@ int extractArchiveToFolder(const CommandLine& commandLine, const std::string& fo
     }
 
     // Only now, with the archive found safe, may anything be written.
+    bool createdOutputFolder = false;
     if (commandLine.outputFolder && !fs::is_directory(outputFolder, error)) {
-        fs::create_directories(outputFolder, error);
+        createdOutputFolder = fs::create_directories(outputFolder, error);
         if (error) {
             raiseError("outputFolder", {outputFolder, error.message()});
         }
@@ -52,7 +53,15 @@ int extractArchiveToFolder(const CommandLine& commandLine, const std::string& fo
     } else if (!entries.empty()) {
         call.list(entries);
     }
-    printNames(call.call(extractArchiveBuiltin), commandLine.quiet);
+    try {
+        printNames(call.call(extractArchiveBuiltin), commandLine.quiet);
+    } catch (...) {
+        // A refused extraction leaves no trace: the folder made for it goes if still empty.
+        if (createdOutputFolder) {
+            fs::remove(outputFolder, error);
+        }
+        throw;
+    }
     return 0;
 }
 
