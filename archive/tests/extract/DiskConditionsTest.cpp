@@ -20,11 +20,10 @@ TEST_F(ExtractTest, FullDiskStopsWithOutputDiskFull) {
     for (const auto& [archive, format, left] : {std::tuple{"a.zip", u"zip", "small.txt=fits"},
                                                 {"a.tgz", u"tgz", "small.txt=fits"},
                                                 {"big.bin.gz", u"gz", "big.bin=..."}}) {
-        const auto call = [&] {
-            return format == std::u16string(u"gz")
-                       ? core::uncompressgz({u16(dir / archive)}, u16(dir / "tiny"), false)
-                       : core::extractArchive(u16(dir / archive), u16(dir / "tiny"), format, u"");
-        };
+        const Call call =
+            format != std::u16string(u"gz") ? extracting(archive, "tiny", format) : [&] {
+                return core::uncompressgz({u16(dir / archive)}, u16(dir / "tiny"), false);
+            };
         EXPECT_EQ(runInChild([&] { return outcome(call, dir / "tiny"); },
                              mountTinyTmpfs(dir / "tiny", 256 * 1024)),
                   std::string("!extractArchive:outputDiskFull | ") + left);
@@ -34,22 +33,14 @@ TEST_F(ExtractTest, FullDiskStopsWithOutputDiskFull) {
 TEST_F(ExtractTest, ReadOnlyTargetAndLockedFolderAreSkippedWithWarnings) {
     REQUIRE_TOOLS("python3", "gzip");
     python("a.tar", {"a.txt", "new", "ro.txt", "new", "locked/x.txt", "new", "c.txt", "new"});
-    sh("printf new | gzip > ro.txt.gz");
-    writeFile(dir / "out/ro.txt", "keep");
-    fs::create_directory(dir / "out/locked");
-    fs::permissions(dir, fs::perms::all);
-    fs::permissions(dir / "out", fs::perms::all);
-    fs::permissions(dir / "out/ro.txt", fs::perms::owner_read | fs::perms::group_read);
-    fs::permissions(dir / "out/locked", fs::perms::none);
-    const auto extractAll = [&] {
-        return core::extractArchive(u16(dir / "a.tar"), u16(dir / "out"), u"tar", u"");
-    };
+    sh("printf new | gzip > ro.txt.gz && mkdir -p out/locked && printf keep > out/ro.txt && "
+       "chmod 777 . out && chmod 440 out/ro.txt && chmod 0 out/locked");
     // Decompression refuses instead of skipping.
     const auto gunzip = [&] {
         return core::uncompressgz({u16(dir / "ro.txt.gz")}, u16(dir / "out"), false);
     };
     const auto both = [&] {
-        const std::string extracted = outcome(extractAll);
+        const std::string extracted = outcome(extracting("a.tar", "out", u"tar"));
         return extracted + " | " + outcome(gunzip);
     };
     EXPECT_EQ(runInChild(both, dropPrivileges),

@@ -40,33 +40,37 @@ std::string ExtractTest::outcome(const Call& call, const fs::path& listed) const
     tessel::host::WarningCapture warnings;
     std::vector<std::u16string> paths;
     const auto raised = raisedBy([&] { paths = call(); });
-    std::vector<std::string> items;
+    std::string text;
     for (const auto& path : paths) {
-        items.push_back(utf8(path));
+        text += " " + utf8(path);
     }
-    const auto add = [&](const std::string& mark, const std::string& identifier,
-                         const std::vector<std::string>& arguments) {
+    const auto add = [&](const char* mark, const std::string& identifier, const auto& arguments) {
         const std::string joined = boost::algorithm::join(arguments, ";");
-        items.push_back(mark + identifier + (arguments.empty() ? "" : "(" + joined + ")"));
+        text += mark + identifier + (arguments.empty() ? "" : "(" + joined + ")");
     };
     for (const auto& warning : warnings.warnings()) {
-        add("?", warning.identifier, warning.arguments);
+        add(" ?", warning.identifier, warning.arguments);
     }
     if (raised) {
-        add("!", raised->identifier, raised->arguments);
+        add(" !", raised->identifier, raised->arguments);
     }
-    std::string text = boost::algorithm::join(items, " ");
     boost::algorithm::replace_all(text, dir.string(), "~");
     boost::algorithm::replace_all(text, "TESSEL:io:archive:", "");
-    return listed.empty() ? text : text + " | " + listing(listed);
+    return text.substr(text.empty() ? 0 : 1) + (listed.empty() ? "" : " | " + listing(listed));
+}
+
+ExtractTest::Call ExtractTest::extracting(const std::string& archive, const std::string& out,
+                                          const std::u16string& format,
+                                          const std::string& password) const {
+    return [=, this] {
+        return tessel::io::archive::core::extractArchive(u16(dir / archive), u16(dir / out), format,
+                                                         u16(password));
+    };
 }
 
 std::string ExtractTest::extract(const std::string& archive, const std::string& out,
                                  const std::u16string& format, const std::string& password) const {
-    using tessel::io::archive::core::extractArchive;
-    return outcome(
-        [&] { return extractArchive(u16(dir / archive), u16(dir / out), format, u16(password)); },
-        dir / out);
+    return outcome(extracting(archive, out, format, password), dir / out);
 }
 
 std::string ExtractTest::listing(const fs::path& folder) {

@@ -35,7 +35,10 @@ class ExtractTest : public ::testing::Test {
     // the identifiers' common prefix "TESSEL:io:archive:" is left out. Given a folder, " | "
     // and its listing after the call follow.
     std::string outcome(const Call& call, const fs::path& listed = {}) const;
-    // The outcome of extracting the folder's archive into its subfolder out, with out's listing.
+    // Extracts an archive in the folder into a subfolder of it.
+    Call extracting(const std::string& archive, const std::string& out,
+                    const std::u16string& format, const std::string& password = "") const;
+    // The outcome of that, with the subfolder's listing.
     std::string extract(const std::string& archive, const std::string& out,
                         const std::u16string& format, const std::string& password = "") const;
     // Everything under a folder, sorted: "name/" for a folder, "name=bytes" for a file of up
