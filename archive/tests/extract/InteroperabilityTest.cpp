@@ -34,7 +34,8 @@ class Interoperability : public ExtractTest, public ::testing::WithParamInterfac
 
 TEST_P(Interoperability, ExtractsWhatTheToolPacked) {
     const std::string command = GetParam().command;
-    REQUIRE_TOOLS(command.substr(0, command.find(' ')).c_str(), "bsdtar");
+    const std::string tool = command.substr(0, command.find(" "));
+    REQUIRE_TOOLS(tool.c_str(), "bsdtar");
     writeFile(dir / "src/top/a.txt", "alpha\nbeta\n");
     writeFile(dir / "src/top/sub/b.bin", randomBytes(70000, 7));
     sh("cd src && mkdir top/sub/empty && : > top/zero.dat && ln -s sub/b.bin top/link && "

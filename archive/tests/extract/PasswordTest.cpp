@@ -22,7 +22,8 @@ using ExtractLog = ExtractTest;
 
 TEST_P(Passwords, ProbeAndExtractionAgree) {
     const std::string encrypt = GetParam().second;
-    REQUIRE_TOOLS(encrypt.substr(0, encrypt.find(' ')).c_str(), "zip", "bsdtar");
+    const std::string tool = encrypt.substr(0, encrypt.find(" "));
+    REQUIRE_TOOLS(tool.c_str(), "zip", "bsdtar");
     writeFile(dir / "plain.txt", "not secret");
     writeFile(dir / "s.txt", "top secret");
     sh(encrypt + " secret.zip s.txt && zip -q mixed.zip plain.txt && " + encrypt +
