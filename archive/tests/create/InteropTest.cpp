@@ -2,18 +2,21 @@
 // folder entries and (where the tool restores them) permission modes come back.
 #include <gtest/gtest.h>
 
-#include <map>
-#include <set>
-#include <sstream>
+#include <clocale>
 
 #include <archive/core/archivecore.hpp>
 
-#include "CreateTestSupport.hpp"
+#include "../support/TestSupport.hpp"
 
 namespace tqtest {
 namespace {
 
 using tessel::io::archive::core::createArchive;
+using Names = std::vector<std::u16string>;
+
+// Like an embedding host, take the locale from the environment (C.UTF-8), so that
+// libarchive converts names as UTF-8.
+[[maybe_unused]] const bool kLocaleFromEnvironment = std::setlocale(LC_ALL, "") != nullptr;
 
 enum Family : unsigned { Zip = 1, Tar = 2, CompressedTar = 4 };
 constexpr const char* kPassword = "pässwörd 1";
@@ -29,7 +32,6 @@ const std::tuple<const char*, const char*, Family, const char*> kKinds[] = {
     {"b.tgz", "all", CompressedTar, ""},
     {"b.tar.xz", "all", CompressedTar, ""},
     {"b.tar.bz2", "all", CompressedTar, ""},
-    {"c.zip", "Zip", Zip, ""},  // not a format name: by extension
     {"zipcrypt.zip", "zip", Zip, "zipcrypt"},
     {"traditional.zip", "zip", Zip, "traditional"},
     {"aes128.zip", "zip", Zip, "aes128"},
@@ -48,17 +50,6 @@ const std::tuple<const char*, std::string, unsigned> kTree[] = {
     {"empty.txt", "", 0644},
     {"run.sh", "#!/bin/sh\necho hi\n", 0750},
     {"private.txt", "secret\n", 0600}};
-
-// Relative path -> "/" for a folder or the file's bytes, and its mode when compared.
-std::map<std::string, std::pair<std::string, unsigned>> snapshot(const fs::path& root, bool modes) {
-    std::map<std::string, std::pair<std::string, unsigned>> result;
-    for (const auto& item : fs::recursive_directory_iterator(root)) {
-        const bool folder = item.is_directory();
-        result[item.path().lexically_relative(root).generic_string()] = {
-            folder ? "/" : readFile(item.path()), modes && !folder ? fileMode(item.path()) : 0};
-    }
-    return result;
-}
 
 // Shell commands over $A archive, $O output folder, $W password (empty without one), $Z the
 // zipfile script. Every zip reader takes traditional encryption; aes: AES too.
@@ -103,14 +94,22 @@ TEST_P(CreatedArchiveReadBack, ListsAndExtractsIdentically) {
         files.push_back(u16(path));
         names.push_back(u16(name));
     }
-    const auto expected = snapshot(dir / "src", reader.restoresModes);
+    // Names without a folder's slash; after extraction no difference, and each file's mode
+    // where the tool restores it.
+    const std::string sorted = " | sed 's,[ /]*$,,;/^$/d' | LC_ALL=C sort",
+                      modes = reader.restoresModes ? "find . -type f -printf '%P %m\\n' | sort"
+                                                   : "true",
+                      src = "S=" + shellQuote((dir / "src").string()) + "; cd \"$S\" && ";
+    const std::string listing =
+                          runCommand(src + "find . -mindepth 1 -printf '%P\\n'" + sorted).output,
+                      tree = runCommand(src + modes).output;
     for (const auto& [file, format, family, methodText] : kKinds) {
         const std::string method = methodText;
         if ((reader.families & family) == 0 || (method.rfind("aes", 0) == 0 && !reader.aes)) {
             continue;
         }
         SCOPED_TRACE(file);
-        const fs::path archive = dir / file, out = dir / (std::string(file) + ".out");
+        const fs::path archive = dir / file;
         // Only the tar format names return folders without their slash.
         const bool tarFormat = format == std::string("tar") || format == std::string("tgz");
         Names returned;
@@ -125,25 +124,14 @@ TEST_P(CreatedArchiveReadBack, ListsAndExtractsIdentically) {
         if (!method.empty()) {
             EXPECT_EQ(readFile(archive).find("accents\n"), std::string::npos) << "in clear";
         }
-        const std::string shell = "A=" + shellQuote(archive.string()) +
-                                  " O=" + shellQuote(out.string()) + " Z=" + shellQuote(kZipfile) +
+        const std::string shell = src + "A=" + shellQuote(archive.string()) +
+                                  " O=\"$A.out\" Z=" + shellQuote(kZipfile) +
                                   " W=" + shellQuote(method.empty() ? "" : kPassword) + "; ";
-        const auto listed = runCommand(shell + reader.list);
-        std::set<std::string> listedNames, expectedNames;
-        std::istringstream lines(listed.output);
-        for (std::string line; std::getline(lines, line);) {
-            line.erase(line.find_last_not_of(" /") + 1);  // folder slash, tarfile's blank
-            listedNames.insert(line);
-        }
-        listedNames.erase("");
-        for (const auto& [name, content] : expected) {
-            expectedNames.insert(name);
-        }
-        EXPECT_EQ(listedNames, expectedNames) << listed.output;
-        fs::create_directories(out);
-        const auto extracted = runCommand(shell + reader.extract);
-        EXPECT_EQ(extracted.status, 0) << extracted.output;
-        EXPECT_EQ(snapshot(out, reader.restoresModes), expected);
+        EXPECT_EQ(runCommand(shell + reader.list + sorted).output, listing);
+        EXPECT_EQ(runCommand(shell + "mkdir \"$O\" && (" + reader.extract +
+                             ") >/dev/null 2>&1; diff -r . \"$O\" && cd \"$O\" && " + modes)
+                      .output,
+                  tree);
     }
 }
 

@@ -1,0 +1,343 @@
+// Each call of createArchive or compressgz reduced to one text: what it returned or the
+// error it raised, its warnings and the files it left. Tables of such calls cover bad
+// input, odd names, unreadable inputs, a full disk (a tiny tmpfs in a private mount
+// namespace) and folders nobody may write (a child that dropped root).
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <clocale>
+#include <set>
+
+#include <archive/core/archivecore.hpp>
+#include <host/WarningCapture.hpp>
+
+#include "../support/LogCapture.hpp"
+#include "../support/TestSupport.hpp"
+
+namespace tqtest {
+namespace {
+
+namespace core = tessel::io::archive::core;
+using Names = std::vector<std::u16string>;
+
+// Like an embedding host, take the locale from the environment (C.UTF-8), so that
+// libarchive converts names as UTF-8.
+[[maybe_unused]] const bool kLocaleFromEnvironment = std::setlocale(LC_ALL, "") != nullptr;
+const std::string kInternal = "TESSEL:io:archive:extractArchive:internalError()",
+                  kZip = "TESSEL:io:archive:zip:", kTar = "TESSEL:io:archive:tar:",
+                  kCreate = "TESSEL:io:archive:createArchive:", kGzip = "TESSEL:io:archive:gzip:";
+
+// createArchive, or compressgz into the folder named as the archive when the format is
+// empty; without a password and a method, the overload that takes neither.
+struct Call {
+    std::string archive;
+    std::vector<std::string> files, names;
+    std::string format, expected, password = "", method = "";
+};
+
+std::string joined(std::string text, const std::vector<std::string>& items) {
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        text += (i > 0 ? "," : "") + items[i];
+    }
+    return text + ")";
+}
+
+// The text with the folder's path shown as "@".
+std::string shown(std::string text, const fs::path& dir) {
+    for (std::size_t pos; (pos = text.find(dir.string())) != std::string::npos;) {
+        text.replace(pos, dir.string().size(), "@");
+    }
+    return text;
+}
+
+std::set<std::string> filesIn(const fs::path& dir) {
+    std::set<std::string> files;
+    for (const auto& item :
+         fs::recursive_directory_iterator(dir, fs::directory_options::skip_permission_denied)) {
+        if (item.is_regular_file()) {
+            files.insert(item.path().lexically_relative(dir).string());
+        }
+    }
+    return files;
+}
+
+// "ok(names returned)" or the host error's "identifier(arguments)", " +identifier(arguments)"
+// for each warning, then each file the call left in the folder with, when bsdtar can list
+// it, its entries in brackets. Names are taken relative to base.
+std::string run(const Call& call, const fs::path& dir, const fs::path& base) {
+    const auto at = [&](const std::string& name) { return name.empty() ? u"" : u16(base / name); };
+    Names files, result;
+    for (const auto& file : call.files) {
+        files.push_back(at(file));
+    }
+    const std::set<std::string> before = filesIn(dir);
+    tessel::host::WarningCapture warnings;
+    const auto raised = raisedBy([&] {
+        const Names names = u16list(call.names), archive = {at(call.archive)};
+        result = call.format.empty() ? core::compressgz(files, archive[0])
+                 : call.password.empty() && call.method.empty()
+                     ? core::createArchive(archive[0], files, names, u16(call.format))
+                     : core::createArchive(archive[0], files, names, u16(call.format),
+                                           u16(call.password), u16(call.method));
+    });
+    std::vector<std::string> returned;
+    std::transform(result.begin(), result.end(), std::back_inserter(returned), utf8);
+    std::string text =
+        raised ? joined(raised->identifier + "(", raised->arguments) : joined("ok(", returned);
+    for (const auto& warning : warnings.warnings()) {
+        text += joined(" +" + warning.identifier + "(", warning.arguments);
+    }
+    // Each gzip output of a regular file decompresses (by gzip, and pigz if installed) to it.
+    const bool gzip = call.format.empty() || call.format == "gz";
+    for (std::size_t i = 0; gzip && i < result.size(); ++i) {
+        const std::string in = utf8(files[i]),
+                          out = call.format.empty() ? returned[i] : utf8(at(call.archive));
+        const std::string check =
+            "for t in gzip pigz; do command -v $t >/dev/null || continue; $t -dc " +
+            shellQuote(out) + " 2>/dev/null | cmp -s - " + shellQuote(in) +
+            " || { printf ' differs'; break; }; done";
+        text += fs::is_regular_file(in) ? runCommand(check).output : "";
+    }
+    for (const auto& file : filesIn(dir)) {
+        const auto listed = runCommand("L=$(bsdtar -tf " + shellQuote((dir / file).string()) +
+                                       " 2>/dev/null) && echo \"[$L]\" | paste -sd, -");
+        text += before.count(file) ? ""
+                                   : " " + file + listed.output.substr(0, listed.output.find('\n'));
+    }
+    return shown(text, dir);
+}
+
+// Runs the calls in order, in a child after the setup when one is given.
+void expectOutcomes(const std::vector<Call>& calls, const fs::path& dir, const fs::path& base,
+                    const std::function<std::string()>& setup = {}) {
+    std::string expected;
+    for (const auto& call : calls) {
+        expected += call.expected + "\n";
+    }
+    const auto body = [&] {
+        std::string report;
+        for (const auto& call : calls) {
+            report += run(call, dir, base) + "\n";
+        }
+        return report;
+    };
+    EXPECT_EQ(setup ? runInChild(body, setup) : body(), expected);
+}
+
+// Runs as root and as nobody: checkReadable looks at the owner-read bit, so an input
+// without it is refused to both.
+TEST(CreateInput, IdentifiedOutcomesAndWhatIsLeft) {
+    const std::vector<std::string> a = {"a.txt"}, l = {"locked.txt", "ok.txt"},
+                                   p = {"one.txt", "two.bin", "gone"},
+                                   s = {"d", "d", "a.txt", "a.txt", "a.txt"},
+                                   sn = {"d/", "e//", "f/", "g 日😀", "", "ignored extra name"},
+                                   g = {"a/b/r.txt", "x.gz", ".profile", "ü 日😀", "notes", "exact"};
+    const std::string skipped = "openEntryError(@/locked.txt)", partial = "[one.txt,two.bin]",
+                      gz =
+                          "@/a/b/r.txt.gz,@/x.gz.gz,@/.profile.gz,@/ü 日😀.gz,@/notes.gz,@/exact.gz",
+                      twice = "@/out/one.txt.gz,@/out/ok.txt.gz,@/out/ok.txt.gz";
+    const std::vector<Call> calls = {
+        {"", a, a, "zip", kZip + "openError()"},
+        {"d", a, a, "tar", kTar + "openError(@/d)"},
+        {"no/x.tgz", a, a, "tgz", kTar + "openError(@/no/x.tgz)"},
+        {"no/x.zip", a, a, "all", kInternal},
+        {"x.rar", a, a, "all", kInternal},
+        {"m.zip", {"missing"}, {"m"}, "zip", kInternal + " m.zip[]"},
+        {"m.tar", {"missing"}, {""}, "tar", kInternal + " m.tar[]"},  // even without a name
+        {"e.tar", {""}, {"e"}, "tar", kInternal + " e.tar[]"},
+        // The raw format takes one regular file; a refused header still returns its name.
+        {"r.gz", {"two.bin"}, {"x"}, "gz", "ok(x) r.gz"},
+        {"2.gz",
+         {"a.txt", "a.txt"},
+         {"a", "b"},
+         "gz",
+         kInternal + " +" + kCreate + "openEntryError(b) 2.gz"},
+        {"d.gz", {"d"}, {"d"}, "gz", "ok(d) +" + kCreate + "openEntryError(d) d.gz[]"},
+        // Name counts, passwords and methods are checked before the archive exists.
+        {"f.zip",
+         {"a.txt", "a.txt", "a.txt"},
+         {"a"},
+         "zip",
+         kCreate + "entryNameCountMismatch(3,1)"},
+        {"1.zip", a, a, "zip", kCreate + "emptyPassword()", "", "zipcrypt"},
+        {"2.zip", a, a, "foo", kCreate + "invalidArchiveFormat()", "", "zipcrypt"},
+        {"3.zip", a, a, "zip", kCreate + "invalidEncryptionInLinux()", "pw", "rot13"},
+        {"4.zip", a, a, "zip", kCreate + "invalidEncryptionInLinux()", "pw", ""},
+        {"5.zip", a, a, "foo", kCreate + "invalidArchiveFormat()", "pw", "rot13"},
+        {"6.zip", a, a, "all", kInternal, "", "zipcrypt"},
+        {"7.tar", a, a, "tar", kInternal, "pw", "zipcrypt"},
+        {"8.gz", a, a, "gz", kInternal, "pw", "aes256"},
+        {"9.tar", a, a, "all", kInternal, "pw", "aes128"},
+        {"10.zip", a, a, "all", "ok(a.txt) 10.zip[a.txt]", "pw", "aes128"},
+        {"11.zip", a, a, "foo", "ok(a.txt) 11.zip[a.txt]", "pw", "traditional"},
+        // Tar formats drop one trailing slash from the names they return; zip keeps them. A
+        // file named like a folder would lose its content: skipped with the family's
+        // warning. A folder is one entry: its content is the caller's to list.
+        {"s.zip", s, sn, "zip",
+         "ok(d/,e//,g 日😀) +TESSEL:zip:openEntryError(@/a.txt) s.zip[d/,e//,g 日😀]"},
+        {"s.tar", s, sn, "tar",
+         "ok(d,e/,g 日😀) +TESSEL:tar:openEntryError(@/a.txt) s.tar[d/,e//,g 日😀]"},
+        {"s.tgz", s, sn, "tgz",
+         "ok(d,e/,g 日😀) +TESSEL:tar:openEntryError(@/a.txt) s.tgz[d/,e//,g 日😀]"},
+        {"t.tar", s, sn, "all",
+         "ok(d/,e//,g 日😀) +" + kCreate + "openEntryError(@/a.txt) t.tar[d/,e//,g 日😀]"},
+        {"e.zip", {}, {}, "all", "ok() e.zip[]"},
+        {"e.tgz", {}, {}, "tgz", "ok() e.tgz[]"},
+        // An input its owner may not read is skipped with the family's warning...
+        {"l.zip", l, l, "zip", "ok(ok.txt) +TESSEL:zip:" + skipped + " l.zip[ok.txt]"},
+        {"l.tar", l, l, "tar", "ok(ok.txt) +TESSEL:tar:" + skipped + " l.tar[ok.txt]"},
+        {"l.tgz", l, l, "tgz", "ok(ok.txt) +TESSEL:tar:" + skipped + " l.tgz[ok.txt]"},
+        {"l2.zip", l, l, "all", "ok(ok.txt) +" + kCreate + skipped + " l2.zip[ok.txt]"},
+        {"l3.zip", l, l, "other", "ok(ok.txt) +" + kCreate + skipped + " l3.zip[ok.txt]"},
+        // ...and an error for gzip, which removes that input's output only.
+        {"l.gz", l, l, "gz", kInternal + " l.gz[]"},
+        {"", l, {}, "", kGzip + "javaOpenError(@/locked.txt)"},
+        {"", {"one.txt", "gone.txt"}, {}, "", kGzip + "javaOpenError(@/gone.txt) one.txt.gz"},
+        {".", {""}, {}, "", kGzip + "javaOpenError()"},
+        {"missing", {"one.txt"}, {}, "", kGzip + "javaOutputOpenError(@/missing/one.txt.gz)"},
+        {"o", {"one.txt"}, {}, "", kGzip + "javaOutputOpenError(@/o/one.txt.gz)"},
+        // Outputs beside their inputs (nothing is ever removed from a name) or in a folder.
+        {"",
+         g,
+         {},
+         "",
+         "ok(" + gz + ") .profile.gz a/b/r.txt.gz exact.gz notes.gz[] x.gz.gz ü 日😀.gz"},
+        {"out",
+         {"one.txt", "ok.txt", "ok.txt"},
+         {},
+         "",
+         "ok(" + twice + ") out/ok.txt.gz out/one.txt.gz"},
+        {"out", {}, {}, "", "ok()"},
+        // A failure in the middle of the list keeps the archive with the entries before it.
+        {"p.zip", p, p, "zip", kInternal + " p.zip" + partial},
+        {"p.tar", p, p, "tar", kInternal + " p.tar" + partial},
+        {"p.tgz", p, p, "tgz", kInternal + " p.tgz" + partial},
+    };
+    for (const bool asNobody : {false, true}) {
+        TempDir dir;
+        fs::permissions(dir.path(), fs::perms(0777));
+        for (const char* name : {"a.txt", "d/inner.txt", "locked.txt", "ok.txt", "one.txt",
+                                 "a/b/r.txt", "x.gz", ".profile", "ü 日😀"}) {
+            writeFile(dir / name, name);
+        }
+        writeFile(dir / "notes", "");
+        writeFile(dir / "exact", randomBytes(16384));
+        writeFile(dir / "two.bin", randomBytes(50000));
+        fs::permissions(dir / "locked.txt", fs::perms(0044));
+        fs::create_directories(dir / "o/one.txt.gz");
+        for (const char* folder : {"out", "a/b"}) {
+            fs::create_directories(dir / folder);
+            fs::permissions(dir / folder, fs::perms(0777));
+        }
+        expectOutcomes(calls, dir.path(), dir.path(), asNobody ? dropPrivileges : nullptr);
+        for (const char* archive : {"p.zip", "p.tar", "p.tgz"}) {
+            const auto path = shellQuote((dir / archive).string());
+            EXPECT_EQ(runCommand("bsdtar -xOf " + path + " two.bin").output, randomBytes(50000));
+        }
+    }
+}
+
+// Incompressible input larger than the disk fills it while data is written; the partial
+// output is kept. A small input on a disk that is already full fails only when the archive
+// is closed, and that final close is deliberately not reported: the call succeeds.
+TEST(FullDisk, ReportedByFormatAndPartialOutputKept) {
+    if (!canMountTmpfs()) {
+        GTEST_SKIP() << "cannot mount a tmpfs in a private mount namespace";
+    }
+    TempDir dir;
+    writeFile(dir / "big.bin", randomBytes(1 << 20));
+    writeFile(dir / "small.txt", "small");
+    const std::vector<std::string> e = {"entry"};
+    const std::vector<Call> calls = {
+        {"disk/a.zip", {}, e, "zip", kZip + "DiskSpaceFull(@/disk/a.zip) disk/a.zip"},
+        {"disk/a.tar", {}, e, "tar", kTar + "DiskSpaceFull(@/disk/a.tar) disk/a.tar"},
+        {"disk/a.tgz", {}, e, "tgz", kTar + "DiskSpaceFull(@/disk/a.tgz) disk/a.tgz"},
+        {"disk/a.gz", {}, e, "gz", kInternal + " disk/a.gz"},
+        {"disk/b.tar.gz", {}, e, "all", kInternal + " disk/b.tar.gz"},
+        {"disk", {}, e, "", kInternal + " disk/big.bin.gz"},
+    };
+    for (const bool atClose : {false, true}) {
+        for (Call call : calls) {
+            call.files = {atClose ? "small.txt" : "big.bin"};
+            if (atClose) {
+                // The call succeeds; what it wrote is lost.
+                const std::string lost =
+                    call.format.empty() || call.format == "gz" ? " differs " : " ";
+                call.expected = call.format.empty()
+                                    ? "ok(@/disk/small.txt.gz)" + lost + "disk/small.txt.gz[]"
+                                    : "ok(entry)" + lost + call.archive + "[]";
+            }
+            expectOutcomes({call}, dir.path(), dir.path(), [&] {
+                const std::string failure = mountTinyTmpfs(dir / "disk", 64 * 1024)();
+                writeFile(dir / "disk/filler", randomBytes(atClose ? 64 * 1024 : 0));
+                return failure;
+            });
+        }
+    }
+}
+
+// The archive path in the errors is the caller's, relative when it was relative.
+TEST(AccessDenied, FoldersNobodyMayWriteOrEnter) {
+    TempDir dir;
+    fs::permissions(dir.path(), fs::perms(0755));
+    writeFile(dir / "in.txt", "in");
+    writeFile(dir / "closed/in.txt", "in");
+    fs::permissions(dir / "closed", fs::perms(0700));
+    fs::create_directories(dir / "w");
+    fs::permissions(dir / "w", fs::perms(0777));
+    const std::string at = dir.path().string() + "/";
+    const std::vector<std::string> in = {"in.txt"}, closed = {"closed/in.txt"}, e = {"e"};
+    const std::vector<Call> calls = {
+        {"a.zip", in, e, "zip", kZip + "openError(a.zip)"},
+        {at + "a.zip", in, e, "zip", kZip + "openError(@/a.zip)"},
+        {at + "a.tar", in, e, "tar", kTar + "openError(@/a.tar)"},
+        {"a.tgz", in, e, "tgz", kTar + "openError(a.tgz)"},
+        {"a.gz", in, e, "gz", kInternal},
+        {"b.zip", in, e, "all", kInternal},
+        {"w/c.zip", closed, e, "zip", kInternal + " w/c.zip[]"},  // input status refused
+        {"", {at + "in.txt"}, {}, "", kGzip + "javaOutputOpenError(@/in.txt.gz)"},
+        {"", in, {}, "", kGzip + "javaOutputOpenError(in.txt.gz)"},
+        // A refused input status is not one of the read failures that remove the output.
+        {"w", closed, {}, "", kInternal + " w/in.txt.gz[]"},
+    };
+    expectOutcomes(calls, dir.path(), "", [&] {
+        return chdir(dir.path().c_str()) == 0 ? dropPrivileges() : "chdir failed";
+    });
+}
+
+TEST(CreateLog, RecordsOfARelativeArchiveAndOfAFailure) {
+    TempDir dir;
+    writeFile(dir / "in/é.txt", "x");
+    writeFile(dir / "locked", "locked");
+    fs::permissions(dir / "locked", fs::perms(0044));
+    const std::string records = runInChild([&] {
+        LogCapture capture;
+        if (chdir(dir.path().c_str()) == 0) {
+            core::createArchive(u"out.zip", {u"in/é.txt"}, {u"entry 日.txt"}, u"zip", u"pw",
+                                u"aes256");
+            // The evidence comes before the error; the output opened for it is deleted.
+            raisedBy([&] { core::compressgz({u"gone"}, u""); });
+            raisedBy([&] { core::compressgz({u"locked"}, u""); });
+        }
+        std::string text;
+        for (const auto& record : capture.records()) {
+            text += std::to_string(record.severity) + " " + record.message + "; ";
+        }
+        return shown(text, dir.path());
+    });
+    EXPECT_EQ(records,
+              "1 Password set to create a password-protected archive.; 1 Encryption method used "
+              "to create a password-protected archive-->aes256; 4 Opened archive file for "
+              "creating destination archive on disk-->@/out.zip; 4 Opened file on disk for "
+              "reading-->in/é.txt; 1 Read entry from file on disk-->in/é.txt; 1 Wrote entry to "
+              "destination archive-->entry 日.txt; 512 [INTERNAL ERROR MESSAGE]: [archive_err]: "
+              "Could not open file.; 4 Opened file on disk for reading-->locked; 4 Opened "
+              "archive file for creating destination archive on disk-->@/locked.gz; 512 "
+              "[INTERNAL ERROR MESSAGE]: [archive_err]: Unknown error. This should not be hit. "
+              "Zorp it!; 1 Successfully deleted archive file from disk-->@/locked.gz; ");
+}
+
+}  // namespace
+}  // namespace tqtest
