@@ -110,17 +110,10 @@ TEST_P(CreatedArchiveReadBack, ListsAndExtractsIdentically) {
         }
         SCOPED_TRACE(file);
         const fs::path archive = dir / file;
-        // Only the tar format names return folders without their slash.
-        const bool tarFormat = format == std::string("tar") || format == std::string("tgz");
-        Names returned;
-        for (const auto& name : names) {
-            returned.push_back(tarFormat && name.back() == u'/' ? name.substr(0, name.size() - 1)
-                                                                : name);
-        }
-        EXPECT_EQ(method.empty() ? createArchive(u16(archive), files, names, u16(format))
-                                 : createArchive(u16(archive), files, names, u16(format),
-                                                 u16(kPassword), u16(method)),
-                  returned);
+        // What createArchive returns is checked with the calls of CreateOutcomeTest.
+        method.empty()
+            ? createArchive(u16(archive), files, names, u16(format))
+            : createArchive(u16(archive), files, names, u16(format), u16(kPassword), u16(method));
         if (!method.empty()) {
             EXPECT_EQ(readFile(archive).find("accents\n"), std::string::npos) << "in clear";
         }
