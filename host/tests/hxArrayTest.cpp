@@ -9,10 +9,9 @@ using Texts = std::vector<std::u16string>;
 
 TEST(hxArray, SharedHoldersKeepItAliveReadersAcceptTheirClassesAndRefuseOthersByIdentifier) {
     hxArray* array = createHostStringArray({u"a.txt", u"ü.txt"});
-    {
-        const hxArrayPtr slot(shareHostArray(array));
-        EXPECT_EQ(hostReferenceCount(array), 2u);
-    }
+    hxArrayPtr slot(shareHostArray(array));
+    EXPECT_EQ(hostReferenceCount(array), 2u);
+    slot.reset();
     EXPECT_EQ(hostReferenceCount(array), 1u);
     EXPECT_EQ(readHostStringArray(array), (Texts{u"a.txt", u"ü.txt"}));
     destroyHostArray(array);  // the last holder frees it (the sanitizer build checks this)
@@ -21,8 +20,8 @@ TEST(hxArray, SharedHoldersKeepItAliveReadersAcceptTheirClassesAndRefuseOthersBy
     const hxArrayPtr text(createHostString(u"été")), one(createHostStringArray({u"only"})),
         cell(createHostCell({u"x", u"", u"z"})), flags(createHostLogicals({true, false})),
         number(createHostDouble(3.5)), two(createHostStringArray({u"a", u"b"}));
-    EXPECT_EQ(readHostString(text.get()) + readHostString(one.get()), u"étéonly");
-    EXPECT_EQ(readHostStringArray(text.get()), Texts{u"été"});
+    // A list of one reads as a text, a text as a list of one.
+    EXPECT_EQ(readHostString(one.get()) + readHostStringArray(text.get()).at(0), u"onlyété");
     EXPECT_EQ(readHostCellStrings(cell.get()), (Texts{u"x", u"", u"z"}));
     EXPECT_EQ(readHostLogicals(flags.get()), (std::vector<unsigned char>{1, 0}));
 
