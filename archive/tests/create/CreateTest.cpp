@@ -1,7 +1,8 @@
-// Each call of createArchive or compressgz reduced to one text: what it returned or the
+// createArchive and compressgz. Each call is reduced to one text: what it returned or the
 // error it raised, its warnings and the files it left. Tables of such calls cover bad
 // input, odd names, unreadable inputs, a full disk (a tiny tmpfs in a private mount
-// namespace) and folders nobody may write (a child that dropped root).
+// namespace) and folders nobody may write (a child that dropped root). Other tools then
+// list and extract what was made.
 #include <gtest/gtest.h>
 
 #include <unistd.h>
@@ -69,9 +70,7 @@ std::set<std::string> filesIn(const fs::path& dir) {
 std::string run(const Call& call, const fs::path& dir, const fs::path& base) {
     const auto at = [&](const std::string& name) { return name.empty() ? u"" : u16(base / name); };
     Names files, result;
-    for (const auto& file : call.files) {
-        files.push_back(at(file));
-    }
+    std::transform(call.files.begin(), call.files.end(), std::back_inserter(files), at);
     const std::set<std::string> before = filesIn(dir);
     tessel::host::WarningCapture warnings;
     const auto raised = raisedBy([&] {
@@ -92,12 +91,12 @@ std::string run(const Call& call, const fs::path& dir, const fs::path& base) {
     // Each gzip output of a regular file decompresses (by gzip, and pigz if installed) to it.
     const bool gzip = call.format.empty() || call.format == "gz";
     for (std::size_t i = 0; gzip && i < result.size(); ++i) {
-        const std::string in = utf8(files[i]),
-                          out = call.format.empty() ? returned[i] : utf8(at(call.archive));
-        const std::string check =
-            "for t in gzip pigz; do command -v $t >/dev/null || continue; $t -dc " +
-            shellQuote(out) + " 2>/dev/null | cmp -s - " + shellQuote(in) +
-            " || { printf ' differs'; break; }; done";
+        const std::string
+            in = utf8(files[i]),
+            check = "for t in gzip pigz; do command -v $t >/dev/null || continue; $t -dc " +
+                    shellQuote(utf8(call.format.empty() ? result[i] : at(call.archive))) +
+                    " 2>/dev/null | cmp -s - " + shellQuote(in) +
+                    " || { printf ' differs'; break; }; done";
         text += fs::is_regular_file(in) ? runCommand(check).output : "";
     }
     for (const auto& file : filesIn(dir)) {
@@ -156,10 +155,8 @@ TEST(CreateInput, IdentifiedOutcomesAndWhatIsLeft) {
         {"1.zip", a, a, "zip", kCreate + "emptyPassword()", "", "zipcrypt"},
         {"2.zip", a, a, "foo", kCreate + "invalidArchiveFormat()", "", "zipcrypt"},
         {"3.zip", a, a, "zip", kCreate + "invalidEncryptionInLinux()", "pw", "rot13"},
-        {"4.zip", a, a, "zip", kCreate + "invalidEncryptionInLinux()", "pw", ""},
         {"6.zip", a, a, "all", kInternal, "", "zipcrypt"},
         {"7.tar", a, a, "tar", kInternal, "pw", "zipcrypt"},
-        {"8.gz", a, a, "gz", kInternal, "pw", "aes256"},
         {"9.zip", a, a, "all", "ok(a.txt) 9.zip[a.txt]", "pw", "aes128"},
         {"10.zip", a, a, "foo", "ok(a.txt) 10.zip[a.txt]", "pw", "traditional"},
         // Tar formats drop one trailing slash from the names they return; zip keeps them. A
@@ -169,7 +166,6 @@ TEST(CreateInput, IdentifiedOutcomesAndWhatIsLeft) {
         {"s.tar", s, sn, "tar", st + "TESSEL:tar:" + la + "s.tar" + sl},
         {"t.tar", s, sn, "all", sz + kCreate + la + "t.tar" + sl},
         {"e.zip", {}, {}, "all", "ok() e.zip[]"},
-        {"e.tgz", {}, {}, "tgz", "ok() e.tgz[]"},
         // An input its owner may not read is skipped with the family's warning...
         {"l.zip", l, l, "zip", "ok(ok.txt) +TESSEL:zip:" + lk + "l.zip[ok.txt]"},
         {"l.tar", l, l, "tar", "ok(ok.txt) +TESSEL:tar:" + lk + "l.tar[ok.txt]"},
@@ -206,9 +202,8 @@ TEST(CreateInput, IdentifiedOutcomesAndWhatIsLeft) {
             fs::create_directories(dir / folder);
             fs::permissions(dir / folder, fs::perms(0777));
         }
-        EXPECT_EQ(asNobody ? runInChild([&] { return lines(calls, dir.path(), dir.path()); },
-                                        dropPrivileges)
-                           : lines(calls, dir.path(), dir.path()),
+        EXPECT_EQ(runInChild([&] { return lines(calls, dir.path(), dir.path()); },
+                             asNobody ? dropPrivileges : nullptr),
                   lines(calls, dir.path(), dir.path(), true));
         for (const char* archive : {"p.zip", "p.tar", "p.tgz"}) {
             const auto path = shellQuote((dir / archive).string());
@@ -267,8 +262,6 @@ TEST(AccessDenied, FoldersNobodyMayWriteOrEnter) {
     const std::vector<std::string> in = {"in.txt"}, closed = {"closed/in.txt"}, e = {"e"};
     const std::vector<Call> calls = {
         {"a.zip", in, e, "zip", kZip + "openError(a.zip)"},
-        {at + "a.zip", in, e, "zip", kZip + "openError(@/a.zip)"},
-        {at + "a.tar", in, e, "tar", kTar + "openError(@/a.tar)"},
         {"a.tgz", in, e, "tgz", kTar + "openError(a.tgz)"},
         {"a.gz", in, e, "gz", kInternal},
         {"b.zip", in, e, "all", kInternal},
@@ -316,6 +309,127 @@ TEST(CreateLog, RecordsOfARelativeArchiveAndOfAFailure) {
               "[INTERNAL ERROR MESSAGE]: [archive_err]: Unknown error. This should not be hit. "
               "Zorp it!; 1 Successfully deleted archive file from disk-->@/locked.gz; ");
 }
+
+// Archives made by createArchive, listed and extracted by other tools: names, bytes,
+// folder entries and (where the tool restores them) permission modes come back.
+enum Family : unsigned { Zip = 1, Tar = 2, CompressedTar = 4 };
+constexpr const char* kPassword = "pässwörd 1";
+
+// Archive, format, family, encryption method (empty: the overload without a password), and
+// the scheme 7z reports for an encrypted zip's entries.
+const std::tuple<const char*, const char*, Family, const char*, const char*> kKinds[] = {
+    {"a.zip", "zip", Zip, "", ""},
+    {"a.tar", "tar", Tar, "", ""},
+    {"a.tgz", "tgz", CompressedTar, "", ""},
+    {"b.zip", "all", Zip, "", ""},
+    {"b.tar", "all", Tar, "", ""},
+    {"b.tar.gz", "all", CompressedTar, "", ""},
+    {"b.tar.xz", "all", CompressedTar, "", ""},
+    {"zipcrypt.zip", "zip", Zip, "zipcrypt", "ZipCrypto"},
+    {"traditional.zip", "zip", Zip, "traditional", "ZipCrypto"},
+    {"aes128.zip", "zip", Zip, "aes128", "AES-128"},
+    {"aes256.zip", "zip", Zip, "aes256", "AES-256"},
+};
+
+// Accented, CJK and emoji names, nested folders, an empty file, a file of exactly one copy
+// chunk, incompressible data and several modes.
+const std::tuple<const char*, std::string, unsigned> kTree[] = {
+    {"docs/", "", 0755},
+    {"docs/héllo wörld.txt", "accents\n", 0644},
+    {"docs/日本語.txt", "CJK\n", 0644},
+    {"docs/emoji😀.bin", randomBytes(70000, 7), 0644},
+    {"docs/sub/", "", 0755},
+    {"docs/sub/exact.bin", randomBytes(16384, 3), 0644},
+    {"empty.txt", "", 0644},
+    {"run.sh", "#!/bin/sh\necho hi\n", 0750},
+    {"private.txt", "secret\n", 0600}};
+
+// Shell commands over $A archive, $O output folder, $W password (empty without one), $Z the
+// zipfile script. Every zip reader takes traditional encryption; aes: AES too.
+struct Reader {
+    const char *label, *list, *extract;
+    unsigned families;
+    bool aes, restoresModes;
+};
+const Reader kReaders[] = {
+    {"unzip", "unzip -Z1 \"$A\"", "unzip -q ${W:+-P \"$W\"} \"$A\" -d \"$O\"", Zip, false, true},
+    {"sevenZip", "7z l -ba -slt \"$A\" | sed -n 's/^Path = //p'",
+     "7z x -bd ${W:+-p\"$W\"} -o\"$O\" \"$A\"", Zip | Tar, true, false},
+    {"bsdtar", "bsdtar ${W:+--passphrase \"$W\"} -tf \"$A\"",
+     "bsdtar ${W:+--passphrase \"$W\"} -xf \"$A\" -C \"$O\"", Zip | Tar | CompressedTar, true,
+     true},
+    {"gnuTar", "tar -tf \"$A\"", "tar -xf \"$A\" -C \"$O\"", Tar | CompressedTar, false, true},
+    {"pythonZipfile", "python3 -c \"$Z\" \"$A\"", "python3 -c \"$Z\" \"$A\" \"$O\" \"$W\"", Zip,
+     false, false},
+    {"pythonTarfile", "python3 -m tarfile -l \"$A\"", "python3 -m tarfile -e \"$A\" \"$O\"",
+     Tar | CompressedTar, false, true},
+};
+const char* kZipfile =
+    "import sys, zipfile\nz = zipfile.ZipFile(sys.argv[1]); print(*z.namelist(), sep='\\n')\n"
+    "if sys.argv[2:]: z.extractall(sys.argv[2], pwd=sys.argv[3].encode() or None)\n";
+
+void PrintTo(const Reader& reader, std::ostream* out) {
+    *out << reader.label;
+}
+
+class CreatedArchiveReadBack : public ::testing::TestWithParam<Reader> {};
+
+TEST_P(CreatedArchiveReadBack, ListsAndExtractsIdentically) {
+    const Reader& reader = GetParam();
+    const std::string tool = std::string(reader.list).substr(0, std::string(reader.list).find(' '));
+    if (!toolAvailable(tool)) {
+        GTEST_SKIP() << tool << " is not installed";
+    }
+    TempDir dir;
+    Names files, names;
+    for (const auto& [name, bytes, mode] : kTree) {
+        const fs::path path = dir / "src" / name;
+        std::string(name).back() == '/' ? (void)fs::create_directories(path)
+                                        : writeFile(path, bytes);
+        fs::permissions(path, fs::perms(mode));
+        files.push_back(u16(path));
+        names.push_back(u16(name));
+    }
+    // Names without a folder's slash; after extraction no difference, and each file's mode
+    // where the tool restores it.
+    const std::string sorted = " | sed 's,[ /]*$,,;/^$/d' | LC_ALL=C sort",
+                      modes = reader.restoresModes ? "find . -type f -printf '%P %m\\n' | sort"
+                                                   : "true",
+                      src = "S=" + shellQuote((dir / "src").string()) + "; cd \"$S\" && ";
+    const std::string listing =
+                          runCommand(src + "find . -mindepth 1 -printf '%P\\n'" + sorted).output,
+                      tree = runCommand(src + modes).output;
+    for (const auto& [file, format, family, methodText, scheme] : kKinds) {
+        const std::string method = methodText;
+        if ((reader.families & family) == 0 || (method.rfind("aes", 0) == 0 && !reader.aes)) {
+            continue;
+        }
+        SCOPED_TRACE(file);
+        const fs::path archive = dir / file;
+        // What it returns is checked with the calls above.
+        method.empty() ? core::createArchive(u16(archive), files, names, u16(format))
+                       : core::createArchive(u16(archive), files, names, u16(format),
+                                             u16(kPassword), u16(method));
+        const std::string shell = src + "A=" + shellQuote(archive.string()) +
+                                  " O=\"$A.out\" Z=" + shellQuote(kZipfile) +
+                                  " W=" + shellQuote(method.empty() ? "" : kPassword) + "; ";
+        // The scheme protecting each of the six non-empty files, as 7z reports it.
+        if (family == Zip && toolAvailable("7z")) {
+            EXPECT_EQ(runCommand(shell + "7z l -slt \"$A\" | sed -n 's/^Method = \\(AES-...\\|" +
+                                 "ZipCrypto\\) .*/\\1/p' | uniq -c | sed 's/^ *//'")
+                          .output,
+                      *scheme ? "6 " + std::string(scheme) + "\n" : "");
+        }
+        EXPECT_EQ(runCommand(shell + reader.list + sorted).output, listing);
+        EXPECT_EQ(runCommand(shell + "mkdir \"$O\" && (" + reader.extract +
+                             ") >/dev/null 2>&1; diff -r . \"$O\" && cd \"$O\" && " + modes)
+                      .output,
+                  tree);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Tools, CreatedArchiveReadBack, ::testing::ValuesIn(kReaders),
+                         [](const auto& info) { return std::string(info.param.label); });
 
 }  // namespace
 }  // namespace tqtest
