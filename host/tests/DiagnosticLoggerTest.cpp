@@ -31,12 +31,10 @@ TEST(DiagnosticLogger, OpensRecordsOnlyForAListenerNeverWhenDisabledAndFromManyT
     DiagnosticLogger logger(kChannel);
     EXPECT_FALSE(logRecord(logger, 512, "nobody listens yet"));
     tqtest::LogCapture capture;
-    EXPECT_TRUE(logRecord(logger, 512, "512") && logRecord(logger, 1, "1"));
-    EXPECT_EQ(capture.messages(), (std::vector<std::string>{"512", "1"}));
     boost::log::core::get()->set_logging_enabled(false);
     EXPECT_FALSE(logRecord(logger, 512, "disabled"));
     boost::log::core::get()->set_logging_enabled(true);
-    EXPECT_EQ(logger.lockCount(), 3u);  // the disabled core never takes the lock
+    EXPECT_EQ(logger.lockCount(), 1u);  // the disabled core never takes the lock
 
     // Each record carries the severity its own thread opened it with.
     std::vector<std::jthread> threads;
@@ -53,7 +51,7 @@ TEST(DiagnosticLogger, OpensRecordsOnlyForAListenerNeverWhenDisabledAndFromManyT
         EXPECT_EQ(std::to_string(record.severity), record.message);
     }
     EXPECT_EQ(std::make_pair(capture.records().size(), logger.lockCount()),
-              std::make_pair(2402ul, 2403ul));
+              std::make_pair(2400ul, 2401ul));
 }
 
 // main.cpp's "log" role writes a 512 ("first record") and a 1 record in a fresh process.
@@ -79,8 +77,8 @@ TEST(DiagnosticLogger, FreshProcessAppendsStampedLinesOfTheEnabledLevelsToTheLog
         const auto child = tqtest::runCommand(role + env + " " + self);
         EXPECT_EQ(std::make_pair(child.status, child.output), std::make_pair(0, std::string()));
         std::string text = tqtest::readFile(dir / "diag.log");
-        std::replace_if(
-            text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; }, '#');
+        std::ranges::replace_if(
+            text, [](char c) { return c >= '0' && c <= '9'; }, '#');
         EXPECT_EQ(text, "earlier line\n" + appended) << env;
     }
 }

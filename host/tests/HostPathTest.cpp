@@ -9,31 +9,21 @@
 using namespace tessel::host;
 namespace fs = std::filesystem;
 
-// Paths are UTF-16 text, converted to and from the file system's UTF-8.
-// Valid text converts both ways unchanged; invalid input loses exactly its bad code units,
-// the same way through every entry point.
+// Paths are UTF-16 text, converted to and from the file system's UTF-8. Valid text
+// converts both ways unchanged; invalid input loses exactly its bad code units, the same
+// way through every entry point.
 TEST(TextConversion, ValidTextRoundTripsAndInvalidUnitsAreSkipped) {
-    enum Way { Both, ToWide, ToNarrow };
-    const std::tuple<std::string, std::u16string, Way> table[] = {
-        {"", u"", Both},
-        {"café résumé naïve", u"café résumé naïve", Both},
-        {"日本語のファイル", u"日本語のファイル", Both},
-        {"😀 party 🎉", u"\xD83D\xDE00 party \xD83C\xDF89", Both},  // surrogate pairs
-        {"x\xFFy", u"xy", ToWide},                                // never occurs in UTF-8
-        {"x\xC0\xAFy", u"xy", ToWide},                            // overlong '/'
-        {"x\xED\xA0\x80y", u"xy", ToWide},                        // encoded surrogate
-        {"xy\xE6\x97", u"xy", ToWide},                            // truncated sequence
-        {"\x80y", u"y", ToWide},                                  // stray continuation byte
-        {"\xF4\x90\x80\x80", u"", ToWide},                        // beyond U+10FFFF
-        {"xy", u"x\xDC00y", ToNarrow},                            // lone low surrogate
-        {"xy", u"xy\xD800", ToNarrow},                            // high surrogate at the end
-        {"\xF0\x9F\x98\x80", u"\xDC00\xD83D\xDE00", ToNarrow},    // the pair after it survives
-    };
-    for (const auto& [narrow, wide, way] : table) {
-        EXPECT_TRUE(way == ToNarrow || fromUtf8(narrow) == wide) << narrow;
-        EXPECT_TRUE(way == ToNarrow || fromFileSystemText(narrow) == wide) << narrow;
-        EXPECT_TRUE(way == ToWide || toUtf8(wide) + toNarrow(wide) == narrow + narrow) << narrow;
-    }
+    const std::string text = "café résumé 日本語のファイル 😀🎉";
+    const std::u16string wide = u"café résumé 日本語のファイル \xD83D\xDE00\xD83C\xDF89";
+    EXPECT_EQ(fromUtf8(text) + u"|" + fromFileSystemText(text), wide + u"|" + wide);
+    EXPECT_EQ(toUtf8(wide) + "|" + toNarrow(wide), text + "|" + text);
+    // A stray continuation byte, a byte never seen in UTF-8, an overlong '/', an encoded
+    // surrogate, a code point beyond U+10FFFF, a truncated sequence at the end.
+    const std::string badText = "\x80x\xFFy\xC0\xAFz\xED\xA0\x80\xF4\x90\x80\x80w\xE6\x97";
+    EXPECT_EQ(fromUtf8(badText) + u"|" + fromFileSystemText(badText), u"xyzw|xyzw");
+    // A lone low surrogate (the pair after it survives), a high surrogate at the end.
+    const std::u16string badWide = u"x\xDC00\xD83D\xDE00y\xD800";
+    EXPECT_EQ(toUtf8(badWide) + "|" + toNarrow(badWide), "x😀y|x😀y");
 }
 
 // Text operations only: nothing is normalised, nothing touches the disk.
@@ -41,7 +31,6 @@ TEST(HostPath, SplitsJoinsAndMakesAbsoluteAsText) {
     const auto hp = &HostPath::fromFileSystem;
     // path -> stem, extension, parent, relative, path / "x", path.absolute("/b")
     const std::pair<std::string, std::vector<std::string>> table[] = {
-        {"/a/f.txt", {"f", "txt", "/a", "a/f.txt", "/a/f.txt/x", "/a/f.txt"}},
         {"arc.tar.gz", {"arc.tar", "gz", "", "arc.tar.gz", "arc.tar.gz/x", "/b/arc.tar.gz"}},
         {".profile", {".profile", "", "", ".profile", ".profile/x", "/b/.profile"}},
         {"d/a.", {"a", "", "d", "d/a.", "d/a./x", "/b/d/a."}},
@@ -50,7 +39,6 @@ TEST(HostPath, SplitsJoinsAndMakesAbsoluteAsText) {
         {"", {"", "", "", "", "x", "/b"}},
         {"a/../c", {"c", "", "a/..", "a/../c", "a/../c/x", "/b/a/../c"}},
         {"/dé/😀.zip", {"😀", "zip", "/dé", "dé/😀.zip", "/dé/😀.zip/x", "/dé/😀.zip"}},
-        {"日本/書.7z", {"書", "7z", "日本", "日本/書.7z", "日本/書.7z/x", "/b/日本/書.7z"}},
     };
     for (const auto& [text, parts] : table) {
         const HostPath path = hp(text);
@@ -69,18 +57,16 @@ TEST(HostPath, SplitsJoinsAndMakesAbsoluteAsText) {
 
 // The kind of file-system error the call raised (2 not found, 1 other, 6 access denied); "0"
 // when it returned.
-static std::string kindRaised(const std::function<void()>& call) {
-    try {
-        call();
-    } catch (const FileSystemError& error) {
-        return std::to_string(error.kind());
-    }
+static std::string kindRaised(const std::function<void()>& call) try {
+    call();
     return "0";
+} catch (const FileSystemError& error) {
+    return std::to_string(error.kind());
 }
 
 TEST(HostPath, StatusExistsAndRemoveOnRealFilesAndAccessDeniedForAnUnprivilegedCaller) {
     tqtest::TempDir dir;
-    // folder, owner read, owner write, group read, others read
+    // folder, owner read, owner write, group read, others read; links are followed
     const auto bitsOf = [](const fs::path& path) {
         const FileStatus s = HostPath(path).status();
         return std::string{"01"[s.isFolder], "01"[s.ownerRead], "01"[s.ownerWrite],
@@ -88,14 +74,13 @@ TEST(HostPath, StatusExistsAndRemoveOnRealFilesAndAccessDeniedForAnUnprivilegedC
     };
     for (const auto& [mode, bits] : std::vector<std::pair<unsigned, std::string>>{
              {0644, "01111"}, {0600, "01100"}, {0440, "01010"}, {0004, "00001"}, {0, "00000"}}) {
-        const fs::path file = dir / ("f" + bits), link = dir / ("l" + bits);
-        tqtest::writeFile(file, "x");
-        fs::permissions(file, fs::perms(mode));
-        fs::create_symlink(file, link);
-        EXPECT_EQ(bitsOf(file) + " " + bitsOf(link), bits + " " + bits);  // links followed
+        tqtest::writeFile(dir / ("f" + bits), "x");
+        fs::permissions(dir / ("f" + bits), fs::perms(mode));
+        fs::create_symlink(dir / ("f" + bits), dir / ("l" + bits));
+        EXPECT_EQ(bitsOf(dir / ("f" + bits)) + bitsOf(dir / ("l" + bits)), bits + bits);
     }
-    fs::create_directories(dir / "sub/inner");
-    EXPECT_TRUE(HostPath(dir / "sub").status().isFolder);
+    fs::create_directory(dir / "sub");
+    EXPECT_TRUE(HostPath(dir / "sub").status().isFolder && HostPath(dir / "sub").remove());
 
     const HostPath file(dir / "données.txt");
     tqtest::writeFile(file.fsPath(), "bytes");
@@ -105,12 +90,11 @@ TEST(HostPath, StatusExistsAndRemoveOnRealFilesAndAccessDeniedForAnUnprivilegedC
     fs::create_symlink(dir / "nowhere", dir / "dangling");
     // A dangling link, a file on the way: not found.
     EXPECT_FALSE(HostPath(dir / "dangling").exists() || HostPath(dir / "f01111/x").exists());
-    EXPECT_EQ(kindRaised([&] { HostPath(dir / "sub").remove(); }), "1");  // not empty
-    EXPECT_TRUE(HostPath(dir / "sub/inner").remove() && HostPath(dir / "sub").remove());
 
     fs::permissions(dir.path(), fs::perms(0755));
     tqtest::writeFile(dir / "locked/inside", "x");
     fs::permissions(dir / "locked", fs::perms(0700));
+    EXPECT_EQ(kindRaised([&] { HostPath(dir / "locked").remove(); }), "1");  // not empty
     // The kept file lies in a folder only root may change.
     const HostPath inside(dir / "locked/inside"), missing(dir / "locked/no"), kept(dir / "f01111");
     const std::string kinds = tqtest::runInChild(
