@@ -11,7 +11,8 @@ endfunction()
 
 run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${PREFIX})
 run(${CMAKE_COMMAND} -S ${SOURCE_DIR} -B ${WORK_DIR}/consumer -DCMAKE_PREFIX_PATH=${PREFIX}
-    -DCMAKE_CXX_COMPILER=${CXX} -DCMAKE_BUILD_TYPE=Release)
+    -DCMAKE_CXX_COMPILER=${CXX} -DCMAKE_BUILD_TYPE=Release "-DCMAKE_CXX_FLAGS=${EXTRA_FLAGS}"
+    "-DCMAKE_EXE_LINKER_FLAGS=${EXTRA_FLAGS}")
 run(${CMAKE_COMMAND} --build ${WORK_DIR}/consumer)
 run(${WORK_DIR}/consumer/consumer ${WORK_DIR})
 
@@ -23,6 +24,7 @@ if(NOT rc EQUAL 0)
     message(FATAL_ERROR "pkg-config does not know tqarchivecore")
 endif()
 separate_arguments(flags UNIX_COMMAND "${flags}")
-run(${CXX} -std=c++20 ${SOURCE_DIR}/main.cpp -o ${WORK_DIR}/consumer-pc ${flags}
+separate_arguments(extra UNIX_COMMAND "${EXTRA_FLAGS}")
+run(${CXX} -std=c++20 ${extra} ${SOURCE_DIR}/main.cpp -o ${WORK_DIR}/consumer-pc ${flags}
     -Wl,-rpath,${PREFIX}/lib)
 run(${WORK_DIR}/consumer-pc ${WORK_DIR})
