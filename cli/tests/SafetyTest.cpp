@@ -16,9 +16,7 @@ TEST(Safety, EscapingEntriesRefusedWithNothingWrittenUnlessUnsafePathsIsGiven) {
         {"python3 -c \"import zipfile; z=zipfile.ZipFile('h.zip','w'); "
          "z.writestr('ok.txt','fine'); z.writestr('../evil.txt','x'); z.close()\"",
          "work/evil.txt"},
-        {"python3 -c \"import tarfile,io; t=tarfile.open('h.tar','w'); "
-         "i=tarfile.TarInfo('a/../../evil.txt'); i.size=1; "
-         "t.addfile(i, io.BytesIO(b'x')); t.close()\"",
+        {"echo x > evil.txt && tar -cPf h.tar --transform 's,^,a/../../,' evil.txt",
          "work/evil.txt"},
         {"mkdir -p src l && ln -s ../.. src/l && echo x > l/evil.txt && "
          "tar -cf h.tar -C src l && tar -rf h.tar l/evil.txt",
@@ -28,8 +26,8 @@ TEST(Safety, EscapingEntriesRefusedWithNothingWrittenUnlessUnsafePathsIsGiven) {
         shell(dir.path(), make + " && mkdir work");
         const std::string unpack = fs::exists(dir / "h.zip") ? "unzip ../h.zip" : "untar ../h.tar";
         const auto refused = tqarchive(dir / "work", unpack + " -d out");
-        EXPECT_EQ(refused.status, 1);
-        EXPECT_TRUE(reports(refused, "tqarchive:unsafeEntryPath")) << refused.err;
+        EXPECT_TRUE(refused.status == 1 && reports(refused, "tqarchive:unsafeEntryPath"))
+            << refused.err;
         EXPECT_FALSE(fs::exists(dir / "work/out") || fs::exists(dir / escapedTo));
         EXPECT_EQ(tqarchive(dir / "work", unpack + " -d out --unsafe-paths").status, 0);
         EXPECT_TRUE(fs::exists(dir / escapedTo)) << make;  // the check was what protected
@@ -47,8 +45,8 @@ TEST(Safety, AbsoluteNamesReRootedHardLinksOnlyIntoTheCurrentFolder) {
     ASSERT_EQ(tqarchive(dir.path(), "untar abs.tgz -d re").status, 0);
     EXPECT_EQ(readFile(dir / "re/abs/a.txt"), "data\n");
     const auto refused = tqarchive(dir.path(), "untar h.tar -d out");
-    EXPECT_EQ(refused.status, 1);
-    EXPECT_TRUE(reports(refused, "tqarchive:unsafeEntryPath")) << refused.err;
+    EXPECT_TRUE(refused.status == 1 && reports(refused, "tqarchive:unsafeEntryPath"))
+        << refused.err;
     EXPECT_TRUE(fs::is_empty(dir / "out"));
     ASSERT_EQ(tqarchive(dir / "out", "untar ../h.tar -d .").status, 0);
     EXPECT_TRUE(fs::equivalent(dir / "out/a.txt", dir / "out/b.txt"));
