@@ -5,160 +5,122 @@
 #include <archive.h>
 #include <archive_entry.h>
 
+#include <functional>
 #include <memory>
 
 #include <archive/core/error/ArchiveException.hpp>
 #include <archive/core/error/StatusChecks.hpp>
 #include <host/HostPath.hpp>
+#include <host/TextConversion.hpp>
 #include <host/WarningCapture.hpp>
 
 #include "../support/LogCapture.hpp"
-#include "../support/TestSupport.hpp"
 
 namespace core = tessel::io::archive::core;
 using core::NullArchiveRule;
+using tessel::host::HostPath;
 
 namespace {
 
-struct ReadCloser {
+struct ReadFree {
     void operator()(archive* handle) const { archive_read_free(handle); }
 };
-using ReadHandle = std::unique_ptr<archive, ReadCloser>;
+using ReadHandle = std::unique_ptr<archive, ReadFree>;
 
-struct EntryFree {
-    void operator()(archive_entry* entry) const { archive_entry_free(entry); }
-};
-
-// A handle that really failed: opening a file that does not exist.
-ReadHandle failedOpen(const std::string& path) {
+// A handle put into a failing state with the given errno and message (null: none).
+ReadHandle failing(int error, const char* message) {
     ReadHandle handle(archive_read_new());
-    archive_read_support_format_all(handle.get());
-    EXPECT_NE(archive_read_open_filename(handle.get(), path.c_str(), 10240), ARCHIVE_OK);
+    if (message != nullptr) {
+        archive_set_error(handle.get(), error, "%s", message);
+    }
     return handle;
 }
 
-template <class Call>
-core::ArchiveException thrownBy(Call call) {
+// Everything a check did, as one line: its log records, then what it threw or warned.
+std::string evidence(const std::function<void()>& check) {
+    tqtest::LogCapture log;
+    tessel::host::WarningCapture warnings;
+    std::string result;
     try {
-        call();
+        check();
     } catch (const core::ArchiveException& error) {
-        return error;
+        result = "threw " + std::to_string(static_cast<int>(error.rule)) + " '" +
+                 tessel::host::toUtf8(error.message) + "'";
     }
-    ADD_FAILURE() << "no ArchiveException";
-    return core::ArchiveException(static_cast<NullArchiveRule>(-1), u"");
+    for (const auto& warning : warnings.warnings()) {
+        result += "warned " + warning.identifier + "(" +
+                  (warning.arguments.empty() ? "" : warning.arguments[0]) + ")";
+    }
+    std::string lines;
+    for (const auto& record : log.records()) {
+        lines += std::to_string(record.severity) + " " + record.message + " | ";
+    }
+    return lines + result;
 }
 
 }  // namespace
 
 TEST(LibarchiveTexts, MessageErrnoAndFallbacks) {
-    const auto handle = failedOpen("/nonexistent/x.zip");
-    EXPECT_NE(core::libarchiveErrorString(handle.get(), 1).find("/nonexistent/x.zip"),
+    ReadHandle opened(archive_read_new());
+    archive_read_support_format_all(opened.get());
+    ASSERT_NE(archive_read_open_filename(opened.get(), "/nonexistent/x.zip", 10240), ARCHIVE_OK);
+    EXPECT_NE(core::libarchiveErrorString(opened.get(), 1).find("/nonexistent/x.zip"),
               std::string::npos);
-    EXPECT_EQ(core::libarchiveErrnoString(handle.get()), "2");
+    EXPECT_EQ(core::libarchiveErrnoString(opened.get()), "2");
     EXPECT_EQ(core::libarchiveErrnoString(nullptr), "NONE");
-
-    ReadHandle fresh(archive_read_new());
-    archive_set_error(fresh.get(), -28, "x");
-    EXPECT_EQ(core::libarchiveErrnoString(fresh.get()), "-28");
-    archive_clear_error(fresh.get());
-    EXPECT_EQ(core::libarchiveErrorString(fresh.get(), 0), "[LIBARCHIVE_MESSAGE]: ");
-    EXPECT_EQ(core::libarchiveErrorString(fresh.get(), 1),
-              "[LIBARCHIVE_MESSAGE]: The libarchive archive_error_string function returned NULL.");
+    EXPECT_EQ(core::libarchiveErrnoString(failing(-28, "x").get()), "-28");
+    const std::string prefix = "[LIBARCHIVE_MESSAGE]: ";
+    EXPECT_EQ(core::libarchiveErrorString(failing(0, nullptr).get(), 0), prefix);
+    EXPECT_EQ(core::libarchiveErrorString(failing(0, nullptr).get(), 1),
+              prefix + "The libarchive archive_error_string function returned NULL.");
     EXPECT_EQ(core::libarchiveErrorString(nullptr, 7),
-              "[LIBARCHIVE_MESSAGE]: An invalid NullArchiveRule value was supplied to the "
-              "ErrorMessageFactory.");
+              prefix + "An invalid NullArchiveRule value was supplied to the ErrorMessageFactory.");
 }
 
-TEST(StatusChecks, ThrowArchiveErrorLogsMessageThenErrno) {
-    const auto handle = failedOpen("/nonexistent/y.tar");
-    const std::string expectedMessage = archive_error_string(handle.get());
-    tqtest::LogCapture log;
-    const auto error =
-        thrownBy([&] { core::throwArchiveError(NullArchiveRule::CouldNotOpenFile, handle.get()); });
-    EXPECT_EQ(error.rule, NullArchiveRule::CouldNotOpenFile);
-    EXPECT_TRUE(error.message.empty());
-    const auto records = log.records();
-    ASSERT_EQ(records.size(), 2u);
-    EXPECT_EQ(records[0].message, "[LIBARCHIVE_MESSAGE]: " + expectedMessage);
-    EXPECT_EQ(records[1].message, "[LIBARCHIVE_ERRNO]: 2");
-    for (const auto& record : records) {
-        EXPECT_EQ(record.severity, 512);
-        EXPECT_EQ(record.channel, "tessel::io::archive::core");
-    }
-}
-
-TEST(StatusChecks, NullHandleAndNullMessageNeverFail) {
-    tqtest::LogCapture log;
-    const auto error =
-        thrownBy([] { core::throwArchiveError(NullArchiveRule::UnableToSetFormat, nullptr); });
-    EXPECT_EQ(error.rule, NullArchiveRule::UnableToSetFormat);
-    EXPECT_EQ(log.messages(), (std::vector<std::string>{
-                                  "[LIBARCHIVE_MESSAGE]: [LIBARCHIVE_MESSAGE]: The libarchive "
-                                  "archive_error_string function returned NULL.",
-                                  "[LIBARCHIVE_ERRNO]: NONE"}));
-}
-
-TEST(StatusChecks, ForPathCarriesTheEntryName) {
-    ReadHandle handle(archive_read_new());
-    archive_set_error(handle.get(), 0, "Incorrect passphrase");
-    std::unique_ptr<archive_entry, EntryFree> entry(archive_entry_new());
+TEST(StatusChecks, LogTheirEvidenceThenThrowOrWarn) {
+    const ReadHandle full = failing(28, "Write error");
+    const ReadHandle busy = failing(13, "Can't unlink already-existing object");
+    const ReadHandle silent = failing(0, nullptr);
+    std::unique_ptr<archive_entry, void (*)(archive_entry*)> entry(archive_entry_new(),
+                                                                   archive_entry_free);
     archive_entry_set_pathname(entry.get(), "dir/年報 ü.txt");
-    tqtest::LogCapture log;
-    const auto error = thrownBy([&] {
-        core::throwArchiveErrorForPath(NullArchiveRule::IncorrectPassphrase, handle.get(),
-                                       entry.get());
-    });
-    EXPECT_EQ(error.rule, NullArchiveRule::IncorrectPassphrase);
-    EXPECT_EQ(error.message, u"dir/年報 ü.txt");
-    EXPECT_EQ(log.messages(),
-              (std::vector<std::string>{"[LIBARCHIVE_MESSAGE]: Incorrect passphrase",
-                                        "[LIBARCHIVE_ERRNO]: 0"}));
-}
-
-TEST(StatusChecks, InternalChecksLogTheRuleText) {
-    tqtest::LogCapture log;
-    auto internal = thrownBy([] { core::throwInternalError(NullArchiveRule::NotGzipFormat); });
-    EXPECT_EQ(internal.rule, NullArchiveRule::NotGzipFormat);
-    EXPECT_TRUE(internal.message.empty());
-    auto withMessage = thrownBy(
-        [] { core::throwArchiveErrorWithMessage(NullArchiveRule::PermissionDenied, u"/x/ä"); });
-    EXPECT_EQ(withMessage.rule, NullArchiveRule::PermissionDenied);
-    EXPECT_EQ(withMessage.message, u"/x/ä");
-    EXPECT_EQ(
-        log.messages(),
-        (std::vector<std::string>{
-            "[INTERNAL_MESSAGE]: [archive_err]: Unknown error. This should not be hit. Zorp it!",
-            "[INTERNAL ERROR MESSAGE]: [archive_err]: Entry is invalid. Permission was denied."}));
-}
-
-TEST(StatusChecks, WarningChecksLogThenWarnAndReturn) {
-    ReadHandle handle(archive_read_new());
-    archive_set_error(handle.get(), 13, "Can't unlink already-existing object");
-    tqtest::LogCapture log;
-    tessel::host::WarningCapture warnings;
-
-    core::warnArchiveError(NullArchiveRule::OverwriteOpenFile, handle.get(),
-                           tessel::host::HostPath(u"out/ä.txt"));
-    core::warnForPath(NullArchiveRule::OpenEntryError, tessel::host::HostPath(u"in/b"),
-                      core::ArchiveFormat::Zip);
-    core::warnForWideName(NullArchiveRule::UnableToOverwrite, L"naïve 日本");
-    core::warnForName(NullArchiveRule::RemoveControlM, "c.txt");
-
-    EXPECT_EQ(
-        log.messages(),
-        (std::vector<std::string>{
-            "[LIBARCHIVE_MESSAGE]: Can't unlink already-existing object", "[LIBARCHIVE_ERRNO]: 13",
-            "[archive_err]: Unknown error. This should not be hit. Zorp it!",
-            "[archive_err]: Unknown error. This should not be hit. Zorp it!",
-            "[archive_err]: Unknown error. This should not be hit. Zorp it!"}));
-    const auto& issued = warnings.warnings();
-    ASSERT_EQ(issued.size(), 4u);
-    EXPECT_EQ(issued[0].identifier, "TESSEL:io:archive:extractArchive:OverwriteOpenFile");
-    EXPECT_EQ(issued[0].arguments, std::vector<std::string>{"out/ä.txt"});
-    EXPECT_EQ(issued[1].identifier, "TESSEL:zip:openEntryError");
-    EXPECT_EQ(issued[1].arguments, std::vector<std::string>{"in/b"});
-    EXPECT_EQ(issued[2].identifier, "TESSEL:io:archive:extractArchive:unableToOverwrite");
-    EXPECT_EQ(issued[2].arguments, std::vector<std::string>{"naïve 日本"});
-    EXPECT_EQ(issued[3].identifier, "TESSEL:io:archive:extractArchive:removeControlM");
-    EXPECT_EQ(issued[3].arguments, std::vector<std::string>{"c.txt"});
+    const std::string unknown =
+        "512 [archive_err]: Unknown error. This should not be hit. Zorp it! | ";
+    const std::vector<std::pair<std::function<void()>, std::string>> cases = {
+        {[&] { core::throwArchiveError(NullArchiveRule::DiskSpaceFull, full.get()); },
+         "512 [LIBARCHIVE_MESSAGE]: Write error | 512 [LIBARCHIVE_ERRNO]: 28 | threw 21 ''"},
+        {[&] { core::throwArchiveError(NullArchiveRule::UnableToSetFormat, nullptr); },
+         "512 [LIBARCHIVE_MESSAGE]: [LIBARCHIVE_MESSAGE]: The libarchive archive_error_string "
+         "function returned NULL. | 512 [LIBARCHIVE_ERRNO]: NONE | threw 6 ''"},
+        {[&] {
+             core::throwArchiveErrorForPath(NullArchiveRule::IncorrectPassphrase, silent.get(),
+                                            entry.get());
+         },
+         "512 [LIBARCHIVE_MESSAGE]: [LIBARCHIVE_MESSAGE]: The libarchive archive_error_string "
+         "function returned NULL. | 512 [LIBARCHIVE_ERRNO]: 0 | threw 22 'dir/年報 ü.txt'"},
+        {[] { core::throwInternalError(NullArchiveRule::CouldNotWriteFile); },
+         "512 [INTERNAL_MESSAGE]: [archive_err]: Could not write to file. | threw 2 ''"},
+        {[] { core::throwArchiveErrorWithMessage(NullArchiveRule::PermissionDenied, u"/x/ä"); },
+         "512 [INTERNAL ERROR MESSAGE]: [archive_err]: Entry is invalid. Permission was denied. "
+         "| threw 8 '/x/ä'"},
+        {[&] {
+             core::warnArchiveError(NullArchiveRule::OverwriteOpenFile, busy.get(),
+                                    HostPath(u"out/ä.txt"));
+         },
+         "512 [LIBARCHIVE_MESSAGE]: Can't unlink already-existing object | 512 "
+         "[LIBARCHIVE_ERRNO]: 13 | warned TESSEL:io:archive:extractArchive:OverwriteOpenFile(out/"
+         "ä.txt)"},
+        {[] {
+             core::warnForPath(NullArchiveRule::OpenEntryError, HostPath(u"in/b"),
+                               core::ArchiveFormat::Zip);
+         },
+         unknown + "warned TESSEL:zip:openEntryError(in/b)"},
+        {[] { core::warnForWideName(NullArchiveRule::UnableToOverwrite, L"naïve 日本"); },
+         unknown + "warned TESSEL:io:archive:extractArchive:unableToOverwrite(naïve 日本)"},
+        {[] { core::warnForName(NullArchiveRule::RemoveControlM, "c.txt"); },
+         unknown + "warned TESSEL:io:archive:extractArchive:removeControlM(c.txt)"},
+    };
+    for (const auto& [check, expected] : cases) {
+        EXPECT_EQ(evidence(check), expected);
+    }
 }
