@@ -14,8 +14,8 @@ int runZip(const CommandLine& commandLine);
 int runTar(const CommandLine& commandLine);
 int runUnzip(const CommandLine& commandLine);
 int runUntar(const CommandLine& commandLine);
-int runGzip(const CommandLine& commandLine);
-int runGunzip(const CommandLine& commandLine);
+// gzip and gunzip: every input, and every file beneath a folder input, through the gateway.
+int runGzipBatch(const CommandLine& commandLine, bool decompress);
 
 // Shared by zip and tar: walks the inputs and packs them through createArchiveBuiltin.
 int createArchiveFromInputs(const CommandLine& commandLine, const std::u16string& format,

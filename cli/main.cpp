@@ -43,10 +43,7 @@ int run(const tqarchive::CommandLine& commandLine) {
     if (command == "untar") {
         return runUntar(commandLine);
     }
-    if (command == "gzip") {
-        return runGzip(commandLine);
-    }
-    return runGunzip(commandLine);
+    return runGzipBatch(commandLine, command == "gunzip");
 }
 
 }  // namespace

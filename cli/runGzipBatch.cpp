@@ -3,8 +3,9 @@
 
 namespace tqarchive {
 
-int runGunzip(const CommandLine& commandLine) {
-    GzipBatch batch(GzipBatch::Direction::Decompress, commandLine.outputFolder);
+int runGzipBatch(const CommandLine& commandLine, bool decompress) {
+    GzipBatch batch(decompress ? GzipBatch::Direction::Decompress : GzipBatch::Direction::Compress,
+                    commandLine.outputFolder);
     for (const std::string& operand : commandLine.operands) {
         batch.add(operand);
     }
