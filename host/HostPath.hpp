@@ -24,9 +24,11 @@ class HostPath {
     explicit HostPath(const char16_t* text) : HostPath(std::u16string(text)) {}
     explicit HostPath(const std::filesystem::path& path);
 
-    // The native form of a path text; an empty text stays an empty path.
-    static HostPath fromText(const std::u16string& text);
-    // Decodes file-system text (UTF-8 on Linux) into a path.
+    // The native form of a path text given by a caller; an empty text stays an empty path.
+    // Text that cannot name a file as written (a NUL, a lone surrogate) is refused with
+    // the host's path-text error naming the argument.
+    static HostPath fromText(const std::u16string& text, std::string_view argument = "path");
+    // Decodes file-system text (bytes, UTF-8 by convention) into a path, losslessly.
     static HostPath fromFileSystem(std::string_view text);
     // The process's current folder.
     static HostPath currentDirectory();

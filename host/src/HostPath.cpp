@@ -68,7 +68,8 @@ fs::path HostPath::fsPath() const {
     return fs::path(access());
 }
 
-HostPath HostPath::fromText(const std::u16string& text) {
+HostPath HostPath::fromText(const std::u16string& text, std::string_view argument) {
+    requireFileSystemName(text, argument);
     return text.empty() ? HostPath() : HostPath(text).nativeForm();
 }
 

@@ -9,21 +9,67 @@
 using namespace tessel::host;
 namespace fs = std::filesystem;
 
-// Paths are UTF-16 text, converted to and from the file system's UTF-8. Valid text
-// converts both ways unchanged; invalid input loses exactly its bad code units, the same
-// way through every entry point.
-TEST(TextConversion, ValidTextRoundTripsAndInvalidUnitsAreSkipped) {
+// Paths are UTF-16 text; file names are bytes. Valid UTF-8 converts both ways unchanged,
+// and any other byte survives the round trip as an escaped byte (U+DC80-U+DCFF).
+TEST(TextConversion, EveryByteSequenceRoundTripsAndInvalidBytesAreEscaped) {
     const std::string text = "café résumé 日本語のファイル 😀🎉";
     const std::u16string wide = u"café résumé 日本語のファイル \xD83D\xDE00\xD83C\xDF89";
     EXPECT_EQ(fromUtf8(text) + u"|" + fromFileSystemText(text), wide + u"|" + wide);
     EXPECT_EQ(toUtf8(wide) + "|" + toNarrow(wide), text + "|" + text);
     // A stray continuation byte, a byte never seen in UTF-8, an overlong '/', an encoded
-    // surrogate, a code point beyond U+10FFFF, a truncated sequence at the end.
+    // surrogate, a code point beyond U+10FFFF, a truncated sequence at the end: each byte
+    // of them is escaped on its own, and the text after it is kept.
     const std::string badText = "\x80x\xFFy\xC0\xAFz\xED\xA0\x80\xF4\x90\x80\x80w\xE6\x97";
-    EXPECT_EQ(fromUtf8(badText) + u"|" + fromFileSystemText(badText), u"xyzw|xyzw");
-    // A lone low surrogate (the pair after it survives), a high surrogate at the end.
-    const std::u16string badWide = u"x\xDC00\xD83D\xDE00y\xD800";
-    EXPECT_EQ(toUtf8(badWide) + "|" + toNarrow(badWide), "x😀y|x😀y");
+    const std::u16string escaped =
+        u"\xDC80x\xDCFFy\xDCC0\xDCAFz\xDCED\xDCA0\xDC80\xDCF4\xDC90\xDC80\xDC80w\xDCE6\xDC97";
+    EXPECT_EQ(fromUtf8(badText), escaped);
+    EXPECT_EQ(toUtf8(escaped), badText);
+    // Latin-1 and CP437 names as a legacy system writes them.
+    for (const std::string name : {"\xE9t\xE9.txt", "caf\x82.txt", "caf\x81.txt"}) {
+        EXPECT_EQ(toUtf8(fromFileSystemText(name)), name);
+    }
+    // A lone surrogate that escapes no byte cannot become a name: it turns into U+FFFD.
+    EXPECT_EQ(toUtf8(u"x\xDC00\xD83D\xDE00y\xD800"), "x\uFFFD😀y\uFFFD");
+}
+
+// Text for people: nothing that drives a terminal or splits a line gets through as is.
+TEST(TextConversion, DisplayTextEscapesControlsBackslashesAndForeignBytes) {
+    const std::pair<std::u16string, std::string> rows[] = {
+        {u"plain café 😀", "plain café 😀"},
+        {u"a\x1B[31mred\a\b.txt", "a\\033[31mred\\a\\b.txt"},
+        {u"line\nbreak\r\ttab", "line\\nbreak\\r\\ttab"},
+        {u"back\\slash", "back\\\\slash"},
+        {u"caf\xDC82.txt", "caf\\202.txt"},
+        {u"c1\x9B", "c1\\302\\233"},
+        {u"lone\xD800", "lone\\uD800"},
+    };
+    for (const auto& [text, shown] : rows) {
+        EXPECT_EQ(toDisplayText(text), shown);
+        EXPECT_EQ(toDisplayText(toUtf8(text)), text.find(u'\xD800') == std::u16string::npos
+                                                   ? shown
+                                                   : "lone\uFFFD");
+    }
+}
+
+// A path text that would name another file than written is refused, naming the argument.
+TEST(TextConversion, PathTextWithNulOrLoneSurrogateIsRefused) {
+    using namespace std::string_literals;
+    const std::tuple<std::u16string, std::string, std::size_t> rows[] = {
+        {u"d/keep.txt\0.zip"s, "TESSEL:host:pathHasNulCharacter", 10},
+        {u"d/keep\xD800X.zip", "TESSEL:host:pathHasLoneSurrogate", 6},
+        {u"o\xDBFFut", "TESSEL:host:pathHasLoneSurrogate", 1},
+        {u"\xDC00low", "TESSEL:host:pathHasLoneSurrogate", 0},
+    };
+    for (const auto& [text, identifier, position] : rows) {
+        EXPECT_EQ(findPathTextFault(text)->position, position);
+        const auto raised = tqtest::raisedBy([&] { (void)HostPath::fromText(text, "archivePath"); });
+        ASSERT_TRUE(raised.has_value());
+        EXPECT_EQ(raised->identifier, identifier);
+        EXPECT_EQ(raised->arguments.front(), "archivePath");
+    }
+    // Escaped bytes and surrogate pairs are names like any other.
+    EXPECT_FALSE(findPathTextFault(u"caf\xDC82/\xD83D\xDE00.txt").has_value());
+    EXPECT_EQ(HostPath::fromText(u"caf\xDC82.txt").access(), "caf\x82.txt");
 }
 
 // Text operations only: nothing is normalised, nothing touches the disk.
