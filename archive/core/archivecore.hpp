@@ -2,17 +2,20 @@
 
 // The public entry points of libtqarchivecore and the host's builtin gateways.
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include <archive/core/ArchiveType.hpp>
+#include <archive/core/CreateOptions.hpp>
+#include <archive/core/EntryInfo.hpp>
+#include <archive/core/ExtractOptions.hpp>
+#include <archive/core/TestReport.hpp>
+#include <archive/core/api.hpp>
 #include <host/hxArray.hpp>
-
-#if defined(TQARCHIVE_BUILDING)
-#define TQARCHIVE_API __attribute__((visibility("default")))
-#else
-#define TQARCHIVE_API
-#endif
 
 namespace tessel::io::archive::core {
 
@@ -56,6 +59,55 @@ TQARCHIVE_API void sampleReadWithPassword(const std::u16string& archivePath,
                                           const std::u16string& format,
                                           const std::u16string& password);
 
+// ---- Additions beside the entry points above ----
+
+// extractArchive with options: confinement and safe modes, selection by pattern,
+// keep-existing, safe writes, cleanup on failure, progress and cancellation, reading
+// from a descriptor. With default options it behaves as the four-argument extractArchive
+// (selection aside: see ExtractOptions::select).
+TQARCHIVE_API ExtractResult extractArchiveWithOptions(const std::u16string& archivePath,
+                                                      const std::u16string& outputFolder,
+                                                      const std::u16string& format,
+                                                      const ExtractOptions& options);
+
+// createArchive with options: compression filter and level, encryption, a reported final
+// close, progress and cancellation, writing to a descriptor.
+TQARCHIVE_API std::vector<std::u16string> createArchiveWithOptions(
+    const std::u16string& archivePath, const std::vector<std::u16string>& files,
+    const std::vector<std::u16string>& entryNames, const std::u16string& format,
+    const CreateOptions& options);
+
+// Gzips one file to exactly outputPath (or to options.outputDescriptor); returns the path.
+TQARCHIVE_API std::u16string compressgzToFile(const std::u16string& file,
+                                              const std::u16string& outputPath,
+                                              const CreateOptions& options);
+
+// uncompressgz with options (progress, cancellation, reading from or writing to a
+// descriptor); the gzip trailers are checked as by uncompressgz.
+TQARCHIVE_API std::vector<std::u16string> uncompressgzWithOptions(
+    const std::vector<std::u16string>& files, const std::u16string& outputFolder,
+    bool exactOutputPath, const ExtractOptions& options);
+
+// The names compressgz and uncompressgz give their outputs: the input's file name with
+// ".gz" appended; the input's file name without its last extension.
+TQARCHIVE_API std::u16string gzipOutputName(const std::u16string& inputPath);
+TQARCHIVE_API std::u16string gunzipOutputName(const std::u16string& inputPath);
+
+// What an archive's name says it is (ArchiveType.hpp lists the extensions).
+TQARCHIVE_API std::optional<ArchiveType> archiveTypeFromName(std::u16string_view name);
+
+// Calls visit for every entry, in archive order, reading headers only.
+using EntryVisitor = std::function<void(const EntryInfo&)>;
+TQARCHIVE_API void listArchive(const std::u16string& archivePath, const std::u16string& format,
+                               const ExtractOptions& options, const EntryVisitor& visit);
+
+// Reads every entry's data and checks it (zip CRCs, decryption, gzip trailers); format
+// "gz" tests a gzip file. Damage is reported, not raised; an archive that cannot be opened
+// or read on raises the extraction errors.
+TQARCHIVE_API TestReport testArchive(const std::u16string& archivePath,
+                                     const std::u16string& format, const ExtractOptions& options,
+                                     const EntryVisitor& visit = {});
+
 }  // namespace tessel::io::archive::core
 
 // The host's builtin gateways.
@@ -69,3 +121,17 @@ TQARCHIVE_API void compressgzBuiltin(int nlhs, hxOutput* plhs, int nrhs,
                                      const tessel::host::hxArray** prhs);
 TQARCHIVE_API void uncompressgzBuiltin(int nlhs, hxOutput* plhs, int nrhs,
                                        const tessel::host::hxArray** prhs);
+
+// Gateways of the additions, in the same style: counts first, then the inputs, then one call.
+// listArchiveBuiltin(archive, format [, password]) -> the entry names.
+TQARCHIVE_API void listArchiveBuiltin(int nlhs, hxOutput* plhs, int nrhs,
+                                      const tessel::host::hxArray** prhs);
+// testArchiveBuiltin(archive, format [, password]) -> the names of damaged entries (empty
+// when sound); each damage is also issued as a warning.
+TQARCHIVE_API void testArchiveBuiltin(int nlhs, hxOutput* plhs, int nrhs,
+                                      const tessel::host::hxArray** prhs);
+// extractArchiveConfinedBuiltin(archive, outputFolder, format [, patterns [, password]]):
+// extraction with ExtractOptions::safe(); a pattern matching nothing raises entryNotFound
+// after the rest is extracted.
+TQARCHIVE_API void extractArchiveConfinedBuiltin(int nlhs, hxOutput* plhs, int nrhs,
+                                                 const tessel::host::hxArray** prhs);

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <archive/core/CompressedStreamCheck.hpp>
+#include <archive/core/Progress.hpp>
+#include <archive/core/api.hpp>
+#include <host/MessageIdError.hpp>
+
+namespace tessel::io::archive::core {
+
+// How extractArchiveWithOptions (and listing, testing and uncompressgzWithOptions, which
+// read the same way) behave. Every field defaults to what extractArchive does.
+struct ExtractOptions {
+    std::u16string password;
+
+    // Which entries: empty selects all. A pattern selects each entry whose name as stored,
+    // or one of the folders above it, matches: a name ("docs/a.txt"), a folder with or
+    // without its "/" (everything beneath it), or a shell wildcard ("*", "?", "[...]";
+    // "*" also matches "/"). Patterns that select nothing are reported in the result.
+    std::vector<std::u16string> select;
+
+    // Refuse, as it is reached, an entry whose name or hard-link target would land
+    // outside the output folder or that would be written through a symbolic link (one on
+    // disk or one an earlier entry made): libarchive's secure-extraction flags. The call
+    // then fails with an extractArchive error naming the entry.
+    bool confine = false;
+    // Skip block and character devices and FIFOs, with a warning each.
+    bool skipSpecialFiles = false;
+    // Clear set-user-ID, set-group-ID and sticky bits and group and other write
+    // permission on everything created.
+    bool restrictPermissions = false;
+    // Refuse a symbolic link whose target, resolved from the link's own folder, lies
+    // outside the output folder (absolute targets included), as confine refuses names.
+    bool refuseOutwardLinks = false;
+    // Leave existing files alone, with a warning each (folders are merged as always).
+    bool keepExisting = false;
+    // Replace an existing file through a temporary and a rename (libarchive's safe
+    // writes), so a failure leaves the old file whole.
+    bool safeWrites = false;
+    // On failure (any error, cancellation included) remove every file and folder this
+    // call created; files it replaced stay replaced.
+    bool removeCreatedOnFailure = false;
+
+    // Read the archive from this open descriptor (0: standard input) instead of opening
+    // the archive path, which then only names it in messages. The descriptor stays open.
+    int inputDescriptor = -1;
+    // uncompressgzWithOptions only: write the one decompressed file here instead.
+    int outputDescriptor = -1;
+
+    ProgressCallback progress;
+    // The gzip trailer check (empty: makeGzipStreamCheck).
+    StreamCheckFactory gzipCheck;
+
+    // What a careful command-line tool wants: confine, skipSpecialFiles,
+    // restrictPermissions, refuseOutwardLinks, safeWrites and removeCreatedOnFailure.
+    TQARCHIVE_API static ExtractOptions safe();
+};
+
+struct ExtractResult {
+    // The paths written, as extractArchive returns them (folders end in a separator).
+    std::vector<std::u16string> written;
+    // One "TESSEL:io:archive:extractArchive:entryNotFound" error for each pattern of
+    // ExtractOptions::select that matched no entry; the call raises none of them.
+    std::vector<tessel::host::MessageIdError> notFound;
+};
+
+}  // namespace tessel::io::archive::core
