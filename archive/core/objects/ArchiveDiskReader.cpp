@@ -8,6 +8,7 @@
 #include <boost/locale/encoding.hpp>
 
 #include <archive/core/error/StatusChecks.hpp>
+#include <archive/core/objects/GzipStreamCheck.hpp>
 #include <archive/core/log/LogLevel.hpp>
 #include <archive/core/log/LogRecord.hpp>
 #include <host/TextConversion.hpp>
@@ -208,6 +209,33 @@ void ArchiveDiskReader::judgeCompressedStream() {
     if (const std::optional<std::string> damage = source_->finishCheck()) {
         ARCHIVE_LOG(LogFailure) << "[INTERNAL_MESSAGE]: gzip trailer check: " << *damage;
         throwArchiveErrorWithMessage(NullArchiveRule::CouldNotOpenFile,
+                                     tessel::host::fromUtf8(*damage));
+    }
+}
+
+void ArchiveDiskReader::checkGzipTrailer() {
+    source_->drain();
+    const std::string& tail = source_->tail();
+    const auto little = [&tail](std::size_t at) {
+        std::uint32_t value = 0;
+        for (std::size_t i = 4; i-- > 0;) {
+            value = (value << 8) | static_cast<unsigned char>(tail[at + i]);
+        }
+        return value;
+    };
+    if (tail.size() == 8 && little(0) == dataCrc_ &&
+        little(4) == static_cast<std::uint32_t>(dataLength_)) {
+        return;  // one member, sound: the common case costs one CRC over data already read
+    }
+    std::optional<std::string> damage = std::string("the trailer does not match the data");
+    if (source_->rereadable()) {
+        GzipStreamCheck members;
+        source_->rereadInto(members);
+        damage = members.finish();
+    }
+    if (damage) {
+        ARCHIVE_LOG(LogFailure) << "[INTERNAL_MESSAGE]: gzip trailer check: " << *damage;
+        throwArchiveErrorWithMessage(NullArchiveRule::CorruptGzFile,
                                      tessel::host::fromUtf8(*damage));
     }
 }

@@ -55,6 +55,11 @@ class ArchiveDiskReader {
     // Reads one block and drops it: where a missing or wrong passphrase shows.
     void probeDataBlock(DataBlock& block, ::archive_entry* entry);
 
+    // For a single gzip file whose data was read whole (with trackDataCrc): compares the
+    // data's CRC-32 and length with the last trailer, and when they differ (several
+    // members, or damage) checks every member. Damage raises CorruptGzFile.
+    void checkGzipTrailer();
+
     const tessel::host::HostPath& archivePath() const noexcept { return archivePath_; }
     ::archive* handle() const noexcept { return handle_.get(); }
 

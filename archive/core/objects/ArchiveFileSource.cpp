@@ -65,10 +65,7 @@ la_ssize_t ArchiveFileSource::readBlock(::archive* handle) {
             archive_set_error(handle, errno, "Error reading '%s'", path_.c_str());
             return ARCHIVE_FATAL;
         }
-        bytesRead_ += static_cast<std::uint64_t>(got);
-        if (check_ && got > 0) {
-            check_->consume(buffer_.data(), static_cast<std::size_t>(got));
-        }
+        saw(buffer_.data(), static_cast<std::size_t>(got));
         return got;
     }
 }
@@ -121,28 +118,68 @@ int ArchiveFileSource::closeCallback(::archive*, void* self) {
     return ARCHIVE_OK;
 }
 
+void ArchiveFileSource::saw(const unsigned char* bytes, std::size_t size) {
+    bytesRead_ += size;
+    if (check_ && size > 0) {
+        check_->consume(bytes, size);
+    }
+    constexpr std::size_t kTail = 8;
+    if (size >= kTail) {
+        tail_.assign(reinterpret_cast<const char*>(bytes + size - kTail), kTail);
+    } else {
+        tail_.append(reinterpret_cast<const char*>(bytes), size);
+        if (tail_.size() > kTail) {
+            tail_.erase(0, tail_.size() - kTail);
+        }
+    }
+}
+
+void ArchiveFileSource::drain() {
+    if (fd_ < 0) {
+        return;
+    }
+    for (;;) {
+        const ssize_t got = ::read(fd_, buffer_.data(), buffer_.size());
+        if (got < 0 && errno == EINTR) {
+            continue;
+        }
+        if (got <= 0) {
+            return;
+        }
+        saw(buffer_.data(), static_cast<std::size_t>(got));
+    }
+}
+
 std::optional<std::string> ArchiveFileSource::finishCheck() {
     if (!check_) {
         return std::nullopt;
     }
     // The reader stops at the archive's end marker; the rest of the stream (padding, the
     // last trailer) is still the compressed stream and must be checked too.
-    if (fd_ >= 0) {
-        for (;;) {
-            const ssize_t got = ::read(fd_, buffer_.data(), buffer_.size());
-            if (got < 0 && errno == EINTR) {
-                continue;
-            }
-            if (got <= 0) {
-                break;
-            }
-            bytesRead_ += static_cast<std::uint64_t>(got);
-            check_->consume(buffer_.data(), static_cast<std::size_t>(got));
-        }
-    }
+    drain();
     std::optional<std::string> verdict = check_->finish();
     check_.reset();
     return verdict;
+}
+
+}  // namespace tessel::io::archive::core
+
+namespace tessel::io::archive::core {
+
+void ArchiveFileSource::rereadInto(CompressedStreamCheck& check) {
+    std::vector<unsigned char> buffer(kBlockSize);
+    off_t at = 0;
+    for (;;) {
+        const ssize_t got = ::pread(fd_, buffer.data(), buffer.size(), at);
+        if (got < 0 && errno == EINTR) {
+            continue;
+        }
+        if (got <= 0) {
+            return;
+        }
+        check.consume(buffer.data(), static_cast<std::size_t>(got));
+        at += got;
+    }
 }
 
 }  // namespace tessel::io::archive::core

@@ -33,6 +33,14 @@ class ArchiveFileSource {
     bool hasCheck() const noexcept { return check_ != nullptr; }
     // Reads what libarchive left unread into the check and returns its verdict.
     std::optional<std::string> finishCheck();
+    // Reads what libarchive left unread, so that tail() is the end of the input.
+    void drain();
+    // The last bytes read (at most 8: a gzip trailer).
+    const std::string& tail() const noexcept { return tail_; }
+    // Whether the input can be read again from its start (a regular file).
+    bool rereadable() const noexcept { return seekable_; }
+    // Feeds the whole input, from its start, to a check (a rereadable input only).
+    void rereadInto(CompressedStreamCheck& check);
 
     std::uint64_t bytesRead() const noexcept { return bytesRead_; }
     // The file's size when it is a regular file, else 0.
@@ -46,6 +54,7 @@ class ArchiveFileSource {
     static int closeCallback(::archive* handle, void* self);
 
     la_ssize_t readBlock(::archive* handle);
+    void saw(const unsigned char* bytes, std::size_t size);
 
     std::string path_;
     int fd_ = -1;
@@ -55,6 +64,7 @@ class ArchiveFileSource {
     std::unique_ptr<CompressedStreamCheck> check_;
     std::uint64_t bytesRead_ = 0;
     std::uint64_t totalBytes_ = 0;
+    std::string tail_;
 };
 
 }  // namespace tessel::io::archive::core
