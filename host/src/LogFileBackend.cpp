@@ -13,6 +13,10 @@
 #include <boost/log/attributes/value_extraction.hpp>
 #include <boost/log/expressions/message.hpp>
 
+#include <host/MessageIdError.hpp>
+
+#include "StandardError.hpp"
+
 namespace tessel::host {
 
 namespace {
@@ -63,8 +67,9 @@ const char* fileKind(mode_t mode) {
 
 }  // namespace
 
-LogFileBackend::LogFileBackend(int descriptor)
+LogFileBackend::LogFileBackend(int descriptor, std::string path)
     : descriptor_(descriptor),
+      path_(std::move(path)),
       severity_("Severity"),
       channel_("Channel"),
       message_(boost::log::expressions::tag::message::get_name()) {}
@@ -91,6 +96,11 @@ void LogFileBackend::consume(const boost::log::record_view& record) noexcept {
                 continue;
             }
             if (written <= 0) {
+                const int error = written < 0 ? errno : ENOSPC;
+                if (!failureTold_.exchange(true)) {
+                    writeNotice(MessageIdError("TESSEL:host", "logFileWriteFailed",
+                                               {path_, std::generic_category().message(error)}));
+                }
                 break;
             }
             rest.remove_prefix(static_cast<std::size_t>(written));

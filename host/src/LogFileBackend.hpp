@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <string>
 
 #include <boost/log/attributes/attribute_name.hpp>
@@ -11,12 +12,13 @@ namespace tessel::host {
 // Writes each record to the log file as one line,
 // "<local time with microseconds> [<severity>] <channel>: <message>", with one write(2),
 // so that lines written by many threads at once stay whole. A write that fails (a full
-// disk) loses that record and nothing else: logging never changes a call's outcome.
+// disk) loses that record and nothing else: logging never changes a call's outcome. The
+// first failure is told once on standard error.
 class LogFileBackend
     : public boost::log::sinks::basic_sink_backend<boost::log::sinks::concurrent_feeding> {
   public:
-    // Takes over the descriptor, a regular file opened for appending.
-    explicit LogFileBackend(int descriptor);
+    // Takes over the descriptor, a regular file opened for appending from the path.
+    LogFileBackend(int descriptor, std::string path);
     ~LogFileBackend();
     LogFileBackend(const LogFileBackend&) = delete;
     LogFileBackend& operator=(const LogFileBackend&) = delete;
@@ -30,6 +32,8 @@ class LogFileBackend
 
   private:
     int descriptor_;
+    std::string path_;
+    std::atomic<bool> failureTold_{false};
     // Looked up once: Boost.Log's name registry is gone during static destruction.
     boost::log::attribute_name severity_;
     boost::log::attribute_name channel_;

@@ -11,7 +11,6 @@
 #include <boost/make_shared.hpp>
 
 #include <host/DiagnosticLogger.hpp>
-#include <host/HostError.hpp>
 #include <host/MessageIdError.hpp>
 
 #include "LogFileBackend.hpp"
@@ -37,14 +36,6 @@ struct HostSinks {
     boost::shared_ptr<sinks::sink> file;  // none without a usable TQARCHIVE_LOG
     std::uint32_t levels = DiagnosticLogger::AllLevels;
 };
-
-// A configuration problem is told once, on standard error and never to a WarningCapture:
-// it is not about the call that happened to create the logger.
-void notice(const MessageIdError& problem) {
-    const std::string identifier = problem.identifier();
-    writeStandardError("Warning: " + lookupMessageUtf8(identifier, problem.arguments()) + " [" +
-                       identifier + "]\n");
-}
 
 // A list of 1, 4 and 512 separated by commas, each with optional spaces around it, and
 // nothing else.
@@ -92,7 +83,7 @@ HostSinks* createHostSinks() {
         std::string problem;
         if (const int descriptor = LogFileBackend::openLogFile(path, problem); descriptor >= 0) {
             auto file = boost::make_shared<sinks::unlocked_sink<LogFileBackend>>(
-                boost::make_shared<LogFileBackend>(descriptor));
+                boost::make_shared<LogFileBackend>(descriptor, path));
             // Every diagnostic channel, and nothing else.
             const logging::attribute_name channel("Channel");
             file->set_filter([channel](const logging::attribute_value_set& values) {
@@ -100,8 +91,8 @@ HostSinks* createHostSinks() {
             });
             host->file = file;
         } else {
-            notice(MessageIdError("TESSEL:host", "logFileUnusable",
-                                  {std::string(path), std::move(problem)}));
+            writeNotice(MessageIdError("TESSEL:host", "logFileUnusable",
+                                       {std::string(path), std::move(problem)}));
         }
     }
 
@@ -110,7 +101,7 @@ HostSinks* createHostSinks() {
         if (const auto mask = parseLogLevels(levels)) {
             host->levels = *mask;
         } else {
-            notice(MessageIdError("TESSEL:host", "logLevelsInvalid", {std::string(levels)}));
+            writeNotice(MessageIdError("TESSEL:host", "logLevelsInvalid", {std::string(levels)}));
         }
     }
 

@@ -3,6 +3,11 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <string>
+
+#include <host/HostError.hpp>
+#include <host/MessageIdError.hpp>
+
 #include "StandardError.hpp"
 
 namespace tessel::host {
@@ -38,6 +43,12 @@ void writeStandardError(std::string_view text) noexcept {
     }
     pthread_sigmask(SIG_SETMASK, &previousMask, nullptr);
     errno = savedErrno;
+}
+
+void writeNotice(const MessageIdError& problem) {
+    const std::string identifier = problem.identifier();
+    writeStandardError("Warning: " + lookupMessageUtf8(identifier, problem.arguments()) + " [" +
+                       identifier + "]\n");
 }
 
 }  // namespace tessel::host

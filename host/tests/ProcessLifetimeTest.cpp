@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <host/HostError.hpp>
+
 #include "ChildRoles.hpp"
 #include "archive/tests/support/TestSupport.hpp"
 
@@ -165,7 +167,7 @@ TEST(ProcessLifetime, HostSinksAreFlushedWhenTheProcessExits) {
 }
 
 // The log file sits on a tiny tmpfs that fills up during the first call: the calls go on
-// and give what they give without a log.
+// and give what they give without a log, and the failure is told once.
 TEST(ProcessLifetime, LogFileOnAFullDiskNeitherStopsNorFailsTheCalls) {
     if (!tqtest::canMountTmpfs()) {
         GTEST_SKIP() << "needs a private mount namespace";
@@ -187,8 +189,14 @@ TEST(ProcessLifetime, LogFileOnAFullDiskNeitherStopsNorFailsTheCalls) {
                    std::to_string(std::count(log.begin(), log.end(), '\n'));
         },
         tqtest::mountTinyTmpfs(tiny, 8192));
-    // The page had 196 bytes left: the first record or two, not every record of two calls.
-    EXPECT_EQ(report, "0|" + dir.at("first/in.txt.gz") + "\n" + dir.at("second/in.txt.gz") +
+    const std::string logPath = (tiny / "diag.log").string();
+    const std::string told =
+        "Warning: " +
+        tessel::host::lookupMessageUtf8("TESSEL:host:logFileWriteFailed",
+                                        {logPath, std::string("No space left on device")}) +
+        " [TESSEL:host:logFileWriteFailed]\n";
+    // The page had 196 bytes left: the earlier line and one whole record, then part of one.
+    EXPECT_EQ(report, "0|" + told + dir.at("first/in.txt.gz") + "\n" + dir.at("second/in.txt.gz") +
                           "\n|4096|" + earlier + "\n|" + "2");
     EXPECT_EQ(gunzipped(dir.at("second/in.txt.gz")), kText);
 }
