@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
-# Builds the libFuzzer target with clang and runs it for SECONDS (default 60) on a seed
-# corpus made here with real tools. Fails on any crash, leak, undefined behaviour or hang.
+# Builds the libFuzzer targets with clang and runs each for SECONDS (default 60) on a seed
+# corpus made here with real tools: extraction of arbitrary bytes (any crash, leak,
+# undefined behaviour or hang fails), and confined extraction (anything written outside
+# the output folder fails too).
 #   scripts/fuzz.sh [SECONDS]
 #
 # Extraction follows ".." and symbolic links in entry names by design, so the fuzzer runs
@@ -15,8 +17,7 @@ bash scripts/install-deps.sh
 export LC_ALL=C.UTF-8
 CC=clang CXX=clang++ cmake -S . -B build-fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo \
   -DTQ_BUILD_FUZZ=ON -DTQ_BUILD_TESTS=OFF -DTQ_BUILD_CLI=OFF -DTQ_BUILD_BENCH=OFF >/dev/null
-cmake --build build-fuzz --target archive_fuzzer -j "$(nproc)"
-fuzzer="$repo/build-fuzz/fuzz/archive_fuzzer"
+cmake --build build-fuzz --target archive_fuzzer confinement_fuzzer -j "$(nproc)"
 
 results="$repo/build-fuzz/fuzz-results"
 rm -rf "$results"
@@ -50,6 +51,27 @@ with tarfile.open(seeds + "/traversal.tar", "w") as t:
 with zipfile.ZipFile(seeds + "/traversal.zip", "w") as z:
     for name in ["../up.txt", "..\\win.txt", "/abs.txt", "dir/", "\r", ""]:
         z.writestr(zipfile.ZipInfo(name), b"data")
+# Ways out of a folder: through a link an earlier entry makes, a link named with a
+# carriage return, names and links with bytes that are not UTF-8, hard links that climb.
+def entry(t, name, kind=tarfile.REGTYPE, link="", data=b"x"):
+    info = tarfile.TarInfo(name); info.type = kind; info.linkname = link
+    if kind == tarfile.REGTYPE:
+        info.size = len(data); t.addfile(info, io.BytesIO(data))
+    else:
+        t.addfile(info)
+with tarfile.open(seeds + "/escape-links.tar", "w", format=tarfile.GNU_FORMAT, encoding="utf-8", errors="surrogateescape") as t:
+    entry(t, "l", tarfile.SYMTYPE, "..")
+    entry(t, "l/evil.txt")
+    entry(t, "c\r", tarfile.SYMTYPE, "..")
+    entry(t, "c/evil.txt")
+    entry(t, "lnk\udcff", tarfile.SYMTYPE, "/tmp")
+    entry(t, "lnk\udcff/evil.txt")
+    entry(t, ".\udcff./.\udcff./escaped.txt")
+    entry(t, "a.txt")
+    entry(t, "h1", tarfile.LNKTYPE, "../../a.txt")
+    entry(t, "h2", tarfile.LNKTYPE, "l/evil.txt")
+    entry(t, "inside", tarfile.SYMTYPE, "a.txt")
+    entry(t, "dir/up", tarfile.SYMTYPE, "../..")
 PY
   )
   rm -rf "$src"
@@ -68,7 +90,9 @@ echo "Seed corpus: $(ls "$results/seeds" | wc -l) files"
 
 # In the namespace: every mount read-only, then a tmpfs to work in and the results folder
 # writable again. The run's output goes to the results folder.
+fuzz_one() {
 status=0
+fuzzer="$repo/build-fuzz/fuzz/$1"
 unshare --mount --propagation private bash -s -- "$fuzzer" "$results" "$seconds" <<'SANDBOX' || status=$?
 set -euo pipefail
 fuzzer="$1"; results="$2"; seconds="$3"
@@ -87,9 +111,13 @@ ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=halt_on_error=1:print
 SANDBOX
 if [ "$status" -ne 0 ]; then
   tail -n 60 "$results/fuzz.log" || true
-  echo "Fuzzing failed (status $status); artifacts in $results" >&2
+  echo "Fuzzing $1 failed (status $status); artifacts in $results" >&2
 fi
 runs=$(grep -Eo 'Done [0-9]+ runs' "$results/fuzz.log" | grep -Eo '[0-9]+' || true)
 grep -E 'stat::number_of_executed_units|stat::peak_rss_mb|cov:' "$results/fuzz.log" | tail -3 || true
-echo "Executions: ${runs:-unknown} in ${seconds}s"
-exit $status
+cp "$results/fuzz.log" "$results/$1.log"
+echo "$1: ${runs:-unknown} executions in ${seconds}s"
+return $status
+}
+fuzz_one archive_fuzzer
+fuzz_one confinement_fuzzer
