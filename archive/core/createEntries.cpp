@@ -1,5 +1,6 @@
 #include <archive/core/createEntries.hpp>
 
+#include <archive.h>
 #include <archive_entry.h>
 
 #include <cstddef>
@@ -143,8 +144,7 @@ std::vector<std::u16string> createEntries(const std::u16string& archivePath,
             if (entryName.empty()) {
                 // Skipped without a word, but a missing input still fails the call.
                 if (!reader->exists()) {
-                    throwArchiveErrorWithMessage(NullArchiveRule::CouldNotOpenFile,
-                                                 input.native());
+                    throwArchiveErrorWithMessage(NullArchiveRule::CouldNotOpenFile, input.native());
                 }
                 continue;
             }
@@ -164,7 +164,12 @@ std::vector<std::u16string> createEntries(const std::u16string& archivePath,
             archive_entry_set_pathname(entry, tessel::host::toUtf8(entryName).c_str());
             // A refused header has issued its warning; the data of a non-empty file is then
             // refused too and ends the call, unless the options ask to leave the entry out.
-            if (!creator->writeHeader(entry) && options.skipRefusedEntries) {
+            const bool written =
+                withOptions
+                    ? creator->writeEntryHeader(
+                          entry, ArchiveCreator::HeaderWarnings::RefusalsOnly) >= ARCHIVE_WARN
+                    : creator->writeHeader(entry);
+            if (!written && options.skipRefusedEntries) {
                 continue;
             }
             copyFileContent(*buffer, *creator, entry, kChunkSize, afterChunk);

@@ -84,6 +84,10 @@ void warnArchiveError(NullArchiveRule rule, ::archive* handle, const tessel::hos
     issueArchiveWarning(rule, warningSubject(path), ArchiveFormat::All);
 }
 
+void logArchiveWarning(::archive* handle) {
+    logLibarchiveEvidence(libarchiveErrorString(handle, 1), handle);
+}
+
 void warnForPath(NullArchiveRule rule, const tessel::host::HostPath& path, ArchiveFormat format) {
     logRuleText(rule);
     issueArchiveWarning(rule, warningSubject(path), format);

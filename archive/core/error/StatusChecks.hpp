@@ -24,6 +24,8 @@ std::string libarchiveErrnoString(::archive* handle);
 [[noreturn]] void throwInternalError(NullArchiveRule rule);
 [[noreturn]] void throwArchiveErrorWithMessage(NullArchiveRule rule, const std::u16string& message);
 void warnArchiveError(NullArchiveRule rule, ::archive* handle, const tessel::host::HostPath& path);
+// Only the evidence: libarchive's message and errno, for a warning nobody needs to see.
+void logArchiveWarning(::archive* handle);
 void warnForPath(NullArchiveRule rule, const tessel::host::HostPath& path, ArchiveFormat format);
 void warnForWideName(NullArchiveRule rule, const std::wstring& name);
 void warnForName(NullArchiveRule rule, const std::string& name);

@@ -4,7 +4,10 @@
 #include <archive_entry.h>
 
 #include <cerrno>
+#include <clocale>
 #include <cstring>
+
+#include <locale.h>
 #include <new>
 
 #include <archive/core/error/StatusChecks.hpp>
@@ -162,6 +165,11 @@ void ArchiveCreator::applySetup() {
 }
 
 void ArchiveCreator::openArchiveFile() {
+    if (setup_.outputDescriptor >= 0) {
+        // libarchive pads the last block of a pipe or terminal to the block size; the
+        // zeros would follow the stream (a gzip member, say) that is all the caller wants.
+        archive_write_set_bytes_in_last_block(handle_.get(), 1);
+    }
     const int status =
         setup_.outputDescriptor >= 0
             ? archive_write_open_fd(handle_.get(), setup_.outputDescriptor)
@@ -177,6 +185,10 @@ void ArchiveCreator::openArchiveFile() {
 }
 
 bool ArchiveCreator::writeHeader(::archive_entry* entry) {
+    return writeEntryHeader(entry, HeaderWarnings::Issued) == ARCHIVE_OK;
+}
+
+int ArchiveCreator::writeEntryHeader(::archive_entry* entry, HeaderWarnings warnings) {
     const char* pathname = archive_entry_pathname(entry);
     const HostPath name = (pathname == nullptr || *pathname == '\0')
                               ? HostPath()
@@ -190,15 +202,41 @@ bool ArchiveCreator::writeHeader(::archive_entry* entry) {
                           "Pathname is too long for zip (%zu bytes, at most %zu)",
                           std::strlen(pathname), kZipNameLimit);
         warnArchiveError(NullArchiveRule::InvalidEntryHeader, handle_.get(), name);
-        return false;
+        return ARCHIVE_FAILED;
     }
-    // Warnings count as refusals too: the entry may be stored other than asked.
-    if (archive_write_header(handle_.get(), entry) != ARCHIVE_OK) {
+    const int status = writeHeaderAsStored(entry, pathname);
+    // Warnings count as refusals too: the entry may be stored other than asked. Where the
+    // caller knows better, a header libarchive wrote with a warning (a name it could not
+    // translate and stored as its bytes) is logged and no more.
+    if (status != ARCHIVE_OK && (status < ARCHIVE_WARN || warnings == HeaderWarnings::Issued)) {
         warnArchiveError(NullArchiveRule::InvalidEntryHeader, handle_.get(), name);
-        return false;
+        return status;
+    }
+    if (status != ARCHIVE_OK) {
+        logArchiveWarning(handle_.get());
     }
     ARCHIVE_LOG(LogStep) << "Wrote entry to destination archive-->" << name;
-    return true;
+    return status;
+}
+
+int ArchiveCreator::writeHeaderAsStored(::archive_entry* entry, const char* pathname) {
+    ::archive* handle = handle_.get();
+    // Zip flags a name UTF-8 whenever the locale is UTF-8, whatever its bytes; a name that
+    // is not UTF-8 is stored as the bytes it is, without the flag (readers then take it
+    // for CP437, as any legacy zip name), by writing it under the C locale on this thread.
+    if ((archive_format(handle) & ARCHIVE_FORMAT_BASE_MASK) != ARCHIVE_FORMAT_ZIP ||
+        pathname == nullptr || tessel::host::isValidUtf8(pathname)) {
+        return archive_write_header(handle, entry);
+    }
+    const locale_t plain = newlocale(LC_CTYPE_MASK, "C", static_cast<locale_t>(nullptr));
+    if (plain == static_cast<locale_t>(nullptr)) {
+        return archive_write_header(handle, entry);
+    }
+    const locale_t previous = uselocale(plain);
+    const int status = archive_write_header(handle, entry);
+    uselocale(previous);
+    freelocale(plain);
+    return status;
 }
 
 void ArchiveCreator::writeData(const void* bytes, std::size_t count) {

@@ -49,6 +49,13 @@ class ArchiveCreator {
 
     // A refused header is a warning (openEntryError), never an exception.
     bool writeHeader(::archive_entry* entry);
+    // Which header warnings reach the caller's user.
+    enum class HeaderWarnings {
+        Issued,        // every status but OK: writeHeader
+        RefusalsOnly,  // a header written with a warning is only logged
+    };
+    // libarchive's status: ARCHIVE_OK or ARCHIVE_WARN when the header was written.
+    int writeEntryHeader(::archive_entry* entry, HeaderWarnings warnings);
     // Throws DiskSpaceFull (errno 28 with "Write error") or CouldNotWriteFile.
     void writeData(const void* bytes, std::size_t count);
     void addEntryName(::archive_entry* entry);
@@ -68,6 +75,7 @@ class ArchiveCreator {
         void operator()(::archive* handle) const noexcept;
     };
 
+    int writeHeaderAsStored(::archive_entry* entry, const char* pathname);
     void setFormat(ArchiveFormat format);
     void applySetup();
     void openArchiveFile();
