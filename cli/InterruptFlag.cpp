@@ -25,8 +25,14 @@ void InterruptFlag::install() {
     // No SA_RESTART: a password prompt waiting on the terminal returns at once. The handler
     // is reset after the first signal, so a second one ends a run that does not stop.
     action.sa_flags = SA_RESETHAND;
-    sigaction(SIGINT, &action, nullptr);
-    sigaction(SIGTERM, &action, nullptr);
+    for (const int number : {SIGINT, SIGTERM}) {
+        // A signal ignored by whoever started the program (nohup, a shell's background
+        // job) stays ignored.
+        struct sigaction previous {};
+        if (sigaction(number, nullptr, &previous) == 0 && previous.sa_handler != SIG_IGN) {
+            sigaction(number, &action, nullptr);
+        }
+    }
 }
 
 int InterruptFlag::signal() noexcept {
