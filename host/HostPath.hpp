@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -63,6 +64,8 @@ class HostPath {
     // File-system queries; failures raise FileSystemError (kind 6 = access denied).
     bool exists() const;
     FileStatus status() const;
+    // The status, or nothing when the path does not exist (one query instead of two).
+    std::optional<FileStatus> statusIfExists() const;
     // Removes a file or an empty folder; returns whether something was removed.
     bool remove() const;
 

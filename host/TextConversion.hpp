@@ -19,6 +19,9 @@ std::string toUtf8(std::u16string_view text);
 // UTF-8 to UTF-16. Each byte that does not start a valid sequence is escaped.
 std::u16string fromUtf8(std::string_view text);
 
+// Whether bytes are valid UTF-8 throughout (what fromUtf8 decodes without escaping).
+bool isValidUtf8(std::string_view text);
+
 // The host's default UTF-16 to narrow conversion (UTF-8 on Linux).
 std::string toNarrow(std::u16string_view text);
 

@@ -6,7 +6,7 @@ set -euo pipefail
 
 packages=(
   build-essential cmake pkg-config
-  libarchive-dev libboost-log-dev libboost-locale-dev libboost-dev
+  libarchive-dev zlib1g-dev libboost-log-dev libboost-locale-dev libboost-dev
   libgtest-dev googletest
   zip unzip p7zip-full libarchive-tools tar gzip pigz python3
   clang libclang-rt-14-dev util-linux libcli11-dev groff-base

@@ -1,11 +1,16 @@
-#include <stdexcept>
-
-#include <archive/core/archivecore.hpp>
+#include <archive/core/ExtractOptions.hpp>
 
 namespace tessel::io::archive::core {
 
 ExtractOptions ExtractOptions::safe() {
-    throw std::logic_error("not built yet");
+    ExtractOptions options;
+    options.confine = true;
+    options.skipSpecialFiles = true;
+    options.restrictPermissions = true;
+    options.refuseOutwardLinks = true;
+    options.safeWrites = true;
+    options.removeCreatedOnFailure = true;
+    return options;
 }
 
 }  // namespace tessel::io::archive::core

@@ -23,16 +23,10 @@ namespace {
 
 constexpr std::streamsize kChunkSize = 16384;
 
-// The input's whole name with ".gz" appended: nothing is ever removed or replaced.
-std::u16string gzipFileName(const HostPath& input) {
-    const std::u16string extension = input.extension();
-    return extension.empty() ? input.stem() + u".gz" : input.stem() + u"." + extension + u".gz";
-}
-
 HostPath outputPathFor(const HostPath& input, const std::u16string& outputFolder) {
     const HostPath folder =
         HostPath::fromText(outputFolder.empty() ? input.parent().native() : outputFolder);
-    const HostPath name(gzipFileName(input));
+    const HostPath name(gzipOutputName(input.native()));
     // A bare input name and no folder: the bare output name, resolved against the
     // current folder like the input was.
     return folder.empty() ? name : folder / name;

@@ -1,11 +1,25 @@
-#include <stdexcept>
+#include <string>
 
+#include <archive/core/PatternEntrySelection.hpp>
 #include <archive/core/archivecore.hpp>
+#include <archive/core/error/messages/extractArchive.hpp>
+#include <archive/core/extractEntries.hpp>
 
 namespace tessel::io::archive::core {
 
-ExtractResult extractArchiveWithOptions(const std::u16string&, const std::u16string&, const std::u16string&, const ExtractOptions&) {
-    throw std::logic_error("not built yet");
+ExtractResult extractArchiveWithOptions(const std::u16string& archivePath,
+                                        const std::u16string& outputFolder,
+                                        const std::u16string& format,
+                                        const ExtractOptions& options) {
+    PatternEntrySelection selection(options.select);
+    ExtractResult result;
+    result.written = extractEntries(archivePath, outputFolder, format, options, selection,
+                                    ExtractionFailures::AsOptionsSay);
+    for (const std::u16string& pattern : selection.unmatched()) {
+        result.notFound.push_back(
+            TESSEL::io::archive::extractArchive::entryNotFound(pattern, archivePath));
+    }
+    return result;
 }
 
 }  // namespace tessel::io::archive::core

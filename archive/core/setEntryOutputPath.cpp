@@ -16,6 +16,23 @@ void setPathname(::archive_entry* entry, const tessel::host::HostPath& path) {
     ARCHIVE_LOG(LogStep) << "Archive entry output path-->" << path;
 }
 
+// A hard link names another entry of the same archive, which was placed by the rule
+// above: its target goes through the same rule, or it would be looked up from the
+// current folder instead of the output folder.
+void placeHardlinkTarget(::archive_entry* entry, const tessel::host::HostPath& folder,
+                         bool underFolder) {
+    const char* target = archive_entry_hardlink(entry);
+    if (target == nullptr || *target == '\0') {
+        return;
+    }
+    const tessel::host::HostPath path = tessel::host::HostPath::fromFileSystem(target).nativeForm();
+    if (underFolder) {
+        archive_entry_set_hardlink(entry, (folder / path.relative()).access().c_str());
+    } else if (path.isAbsolute()) {
+        archive_entry_set_hardlink(entry, path.relative().access().c_str());
+    }
+}
+
 }  // namespace
 
 void setEntryOutputPath(::archive_entry* entry, const std::u16string& outputFolder) {
@@ -42,13 +59,15 @@ void setEntryOutputPath(::archive_entry* entry, const std::u16string& outputFold
     const tessel::host::HostPath entryPath =
         tessel::host::HostPath::fromFileSystem(name).nativeForm();
     const tessel::host::HostPath folder = tessel::host::HostPath(outputFolder).nativeForm();
-    if (!outputFolder.empty() && folder.native() != u".") {
+    const bool underFolder = !outputFolder.empty() && folder.native() != u".";
+    if (underFolder) {
         setPathname(entry, folder / entryPath.relative());
     } else if (entryPath.isAbsolute()) {
         setPathname(entry, entryPath.relative());
     } else if (renamed) {
         archive_entry_set_pathname(entry, name.c_str());
     }
+    placeHardlinkTarget(entry, folder, underFolder);
 }
 
 }  // namespace tessel::io::archive::core

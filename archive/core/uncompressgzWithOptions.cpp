@@ -1,11 +1,13 @@
-#include <stdexcept>
-
 #include <archive/core/archivecore.hpp>
+#include <archive/core/decompressGzipFiles.hpp>
 
 namespace tessel::io::archive::core {
 
-std::vector<std::u16string> uncompressgzWithOptions(const std::vector<std::u16string>&, const std::u16string&, bool, const ExtractOptions&) {
-    throw std::logic_error("not built yet");
+std::vector<std::u16string> uncompressgzWithOptions(const std::vector<std::u16string>& files,
+                                                    const std::u16string& outputFolder,
+                                                    bool exactOutputPath,
+                                                    const ExtractOptions& options) {
+    return decompressGzipFiles(files, outputFolder, exactOutputPath, options, true);
 }
 
 }  // namespace tessel::io::archive::core

@@ -124,10 +124,25 @@ bool HostPath::exists() const {
 }
 
 FileStatus HostPath::status() const {
+    std::optional<FileStatus> status = statusIfExists();
+    if (!status) {
+        raiseFileSystemError("Cannot read the status of", *this,
+                             std::make_error_code(std::errc::no_such_file_or_directory));
+    }
+    return *status;
+}
+
+std::optional<FileStatus> HostPath::statusIfExists() const {
     std::error_code code;
     const fs::file_status status = fs::status(fsPath(), code);
+    if (code && isNotFound(code)) {
+        return std::nullopt;
+    }
     if (code) {
         raiseFileSystemError("Cannot read the status of", *this, code);
+    }
+    if (!fs::exists(status)) {
+        return std::nullopt;
     }
     const auto has = [&status](fs::perms bit) {
         return (status.permissions() & bit) != fs::perms::none;

@@ -92,15 +92,32 @@ void appendOctal(std::string& out, unsigned byte) {
 // move the cursor or break a line as an escape.
 void appendDisplay(std::string& out, char32_t c) {
     switch (c) {
-        case '\\': out += "\\\\"; return;
-        case '\a': out += "\\a"; return;
-        case '\b': out += "\\b"; return;
-        case '\t': out += "\\t"; return;
-        case '\n': out += "\\n"; return;
-        case '\v': out += "\\v"; return;
-        case '\f': out += "\\f"; return;
-        case '\r': out += "\\r"; return;
-        default: break;
+        case '\\':
+            out += "\\\\";
+            return;
+        case '\a':
+            out += "\\a";
+            return;
+        case '\b':
+            out += "\\b";
+            return;
+        case '\t':
+            out += "\\t";
+            return;
+        case '\n':
+            out += "\\n";
+            return;
+        case '\v':
+            out += "\\v";
+            return;
+        case '\f':
+            out += "\\f";
+            return;
+        case '\r':
+            out += "\\r";
+            return;
+        default:
+            break;
     }
     // C0 and C1 control characters and DEL: shown as the octal bytes of their UTF-8 form.
     if (c < 0x20 || c == 0x7F || (c >= 0x80 && c <= 0x9F)) {
@@ -122,9 +139,15 @@ std::string toUtf8(std::u16string_view text) {
     for (std::size_t i = 0; i < text.size();) {
         const Unit16 unit = next16(text, i);
         switch (unit.kind) {
-            case Unit16::CodePoint: appendUtf8(out, unit.value); break;
-            case Unit16::EscapedByte: out.push_back(static_cast<char>(unit.value)); break;
-            case Unit16::Lone: appendUtf8(out, kReplacement); break;
+            case Unit16::CodePoint:
+                appendUtf8(out, unit.value);
+                break;
+            case Unit16::EscapedByte:
+                out.push_back(static_cast<char>(unit.value));
+                break;
+            case Unit16::Lone:
+                appendUtf8(out, kReplacement);
+                break;
         }
     }
     return out;
@@ -138,6 +161,15 @@ std::u16string fromUtf8(std::string_view text) {
         appendUtf16(out, unit.valid ? unit.value : char32_t(0xDC00 + unit.value));
     }
     return out;
+}
+
+bool isValidUtf8(std::string_view text) {
+    for (std::size_t i = 0; i < text.size();) {
+        if (!next8(text, i).valid) {
+            return false;
+        }
+    }
+    return true;
 }
 
 std::string toNarrow(std::u16string_view text) {
@@ -167,9 +199,8 @@ void requireFileSystemName(std::u16string_view text, std::string_view argument) 
     if (!fault) {
         return;
     }
-    const char* mnemonic = fault->problem == PathTextProblem::NulCharacter
-                               ? "pathHasNulCharacter"
-                               : "pathHasLoneSurrogate";
+    const char* mnemonic = fault->problem == PathTextProblem::NulCharacter ? "pathHasNulCharacter"
+                                                                           : "pathHasLoneSurrogate";
     MessageIdError("TESSEL:host", mnemonic,
                    {MessageArgument(std::string(argument)), MessageArgument(toDisplayText(text))})
         .raise();
@@ -186,8 +217,12 @@ std::string toDisplayText(std::u16string_view text) {
     for (std::size_t i = 0; i < text.size();) {
         const Unit16 unit = next16(text, i);
         switch (unit.kind) {
-            case Unit16::CodePoint: appendDisplay(out, unit.value); break;
-            case Unit16::EscapedByte: appendOctal(out, unit.value); break;
+            case Unit16::CodePoint:
+                appendDisplay(out, unit.value);
+                break;
+            case Unit16::EscapedByte:
+                appendOctal(out, unit.value);
+                break;
             case Unit16::Lone: {
                 char escape[8];
                 std::snprintf(escape, sizeof escape, "\\u%04X", unsigned(unit.value));

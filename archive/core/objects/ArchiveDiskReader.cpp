@@ -3,7 +3,12 @@
 #include <new>
 #include <utility>
 
+#include <zlib.h>
+
+#include <boost/locale/encoding.hpp>
+
 #include <archive/core/error/StatusChecks.hpp>
+#include <archive/core/objects/GzipStreamCheck.hpp>
 #include <archive/core/log/LogLevel.hpp>
 #include <archive/core/log/LogRecord.hpp>
 #include <host/TextConversion.hpp>
@@ -11,9 +16,6 @@
 namespace tessel::io::archive::core {
 
 namespace {
-
-// Block size handed to libarchive for reading the archive file.
-constexpr std::size_t kReadBlockSize = 10240;
 
 // libarchive reports these situations with a generic failure status; its fixed message
 // is the only thing that tells them apart.
@@ -24,9 +26,29 @@ constexpr const char* kTruncatedGzip = "truncated gzip input";
 
 }  // namespace
 
+namespace {
+
+ReaderSetup defaultSetup(ArchiveFormat format) {
+    ReaderSetup setup;
+    if (format != ArchiveFormat::Gz) {
+        setup.gzipCheck = makeGzipStreamCheck;
+    }
+    return setup;
+}
+
+bool isZip(::archive* handle) {
+    return (archive_format(handle) & ARCHIVE_FORMAT_BASE_MASK) == ARCHIVE_FORMAT_ZIP;
+}
+
+}  // namespace
+
 ArchiveDiskReader::ArchiveDiskReader(tessel::host::HostPath archivePath, ArchiveFormat format,
                                      const std::u16string& password)
-    : handle_(archive_read_new()), archivePath_(std::move(archivePath)) {
+    : ArchiveDiskReader(std::move(archivePath), format, password, defaultSetup(format)) {}
+
+ArchiveDiskReader::ArchiveDiskReader(tessel::host::HostPath archivePath, ArchiveFormat format,
+                                     const std::u16string& password, ReaderSetup setup)
+    : handle_(archive_read_new()), archivePath_(std::move(archivePath)), setup_(std::move(setup)) {
     if (!handle_) {
         throw std::bad_alloc();
     }
@@ -89,8 +111,17 @@ void ArchiveDiskReader::enableFormats(ArchiveFormat format) {
 
 void ArchiveDiskReader::openFile(ArchiveFormat format) {
     ::archive* handle = handle_.get();
-    const std::string path = archivePath_.access();
-    const int status = archive_read_open_filename(handle, path.c_str(), kReadBlockSize);
+    source_ = std::make_unique<ArchiveFileSource>(archivePath_.access(), setup_.inputDescriptor);
+    if (setup_.gzipCheck) {
+        source_->setCheck(setup_.gzipCheck());
+    }
+    const int status = source_->open(handle);
+    // Only a stream libarchive decodes as gzip has trailers to check.
+    if (status == ARCHIVE_OK && source_->hasCheck() &&
+        (archive_filter_count(handle) < 2 ||
+         archive_filter_code(handle, 0) != ARCHIVE_FILTER_GZIP)) {
+        source_->setCheck(nullptr);
+    }
     if (format != ArchiveFormat::Gz) {
         if (status != ARCHIVE_OK) {
             throwArchiveError(NullArchiveRule::CouldNotOpenFile, handle);
@@ -114,6 +145,11 @@ void ArchiveDiskReader::openFile(ArchiveFormat format) {
 std::int32_t ArchiveDiskReader::readNextHeader(::archive_entry** entry) {
     const int status = archive_read_next_header(handle_.get(), entry);
     if (status == ARCHIVE_OK) {
+        dataCrc_ = 0;
+        dataLength_ = 0;
+        if (isZip(handle_.get())) {
+            readLegacyZipName(*entry);
+        }
         const char* name = archive_entry_pathname(*entry);
         if (name != nullptr && *name != '\0') {
             ARCHIVE_LOG(LogStep) << "Opened entry file to read from source archive-->"
@@ -125,6 +161,7 @@ std::int32_t ArchiveDiskReader::readNextHeader(::archive_entry** entry) {
     }
     if (status == ARCHIVE_EOF) {
         ARCHIVE_LOG(LogOpen) << "Reached end of archive-->" << archivePath_;
+        judgeCompressedStream();
         return 2;
     }
     // A warning here (a damaged header libarchive could partly read) is still a failure.
@@ -136,6 +173,11 @@ std::int32_t ArchiveDiskReader::readDataBlock(const void** buffer, std::size_t* 
     ::archive* handle = handle_.get();
     const int status = archive_read_data_block(handle, buffer, size, offset);
     if (status >= ARCHIVE_OK) {
+        if (setup_.trackDataCrc && status == ARCHIVE_OK && *size > 0) {
+            dataCrc_ = static_cast<std::uint32_t>(
+                crc32_z(dataCrc_, static_cast<const Bytef*>(*buffer), *size));
+            dataLength_ += *size;
+        }
         return status;
     }
     const std::string text = libarchiveErrorString(handle, 0);
@@ -149,6 +191,53 @@ std::int32_t ArchiveDiskReader::readDataBlock(const void** buffer, std::size_t* 
         throwArchiveErrorForPath(NullArchiveRule::CryptoUnsupported, handle, entry);
     }
     return status;
+}
+
+void ArchiveDiskReader::readLegacyZipName(::archive_entry* entry) {
+    // A zip name without the UTF-8 flag comes through as the bytes stored. When those are
+    // not UTF-8 they were written by a legacy system in its code page, CP437 by the
+    // format's own definition, as Info-ZIP and Python read them. (A flagged name that is
+    // not UTF-8 has already failed the header.)
+    const char* name = archive_entry_pathname(entry);
+    if (name == nullptr || tessel::host::isValidUtf8(name)) {
+        return;
+    }
+    archive_entry_set_pathname(entry, boost::locale::conv::to_utf<char>(name, "CP437").c_str());
+}
+
+void ArchiveDiskReader::judgeCompressedStream() {
+    if (const std::optional<std::string> damage = source_->finishCheck()) {
+        ARCHIVE_LOG(LogFailure) << "[INTERNAL_MESSAGE]: gzip trailer check: " << *damage;
+        throwArchiveErrorWithMessage(NullArchiveRule::CouldNotOpenFile,
+                                     tessel::host::fromUtf8(*damage));
+    }
+}
+
+void ArchiveDiskReader::checkGzipTrailer() {
+    source_->drain();
+    const std::string& tail = source_->tail();
+    const auto little = [&tail](std::size_t at) {
+        std::uint32_t value = 0;
+        for (std::size_t i = 4; i-- > 0;) {
+            value = (value << 8) | static_cast<unsigned char>(tail[at + i]);
+        }
+        return value;
+    };
+    if (tail.size() == 8 && little(0) == dataCrc_ &&
+        little(4) == static_cast<std::uint32_t>(dataLength_)) {
+        return;  // one member, sound: the common case costs one CRC over data already read
+    }
+    std::optional<std::string> damage = std::string("the trailer does not match the data");
+    if (source_->rereadable()) {
+        GzipStreamCheck members;
+        source_->rereadInto(members);
+        damage = members.finish();
+    }
+    if (damage) {
+        ARCHIVE_LOG(LogFailure) << "[INTERNAL_MESSAGE]: gzip trailer check: " << *damage;
+        throwArchiveErrorWithMessage(NullArchiveRule::CorruptGzFile,
+                                     tessel::host::fromUtf8(*damage));
+    }
 }
 
 void ArchiveDiskReader::probeDataBlock(DataBlock& block, ::archive_entry* entry) {

@@ -8,19 +8,36 @@
 #include <archive.h>
 #include <archive_entry.h>
 
+#include <archive/core/CompressedStreamCheck.hpp>
+#include <archive/core/objects/ArchiveFileSource.hpp>
 #include <archive/core/objects/ArchiveFormat.hpp>
 #include <archive/core/objects/DataBlock.hpp>
 #include <host/HostPath.hpp>
 
 namespace tessel::io::archive::core {
 
+// How a reader reads beyond what its format asks for.
+struct ReaderSetup {
+    // Read this descriptor (left open) instead of opening the archive path.
+    int inputDescriptor = -1;
+    // Checks a gzip-compressed stream against its trailers as it is read; judged when the
+    // end of the archive is reached. Empty: no check.
+    StreamCheckFactory gzipCheck;
+    // Keep the CRC-32 and length of each entry's data as read.
+    bool trackDataCrc = false;
+};
+
 // Reads an existing archive file (zip, tar, tar.gz or a single gzip stream) through one
 // libarchive read handle: entry headers one at a time, entry data block by block.
 // Constructed open; destruction closes and frees the handle.
 class ArchiveDiskReader {
   public:
+    // A gzip-compressed archive is checked against its trailers (a single gzip file, Gz,
+    // is left to the caller, who sees all of its data).
     ArchiveDiskReader(tessel::host::HostPath archivePath, ArchiveFormat format,
                       const std::u16string& password);
+    ArchiveDiskReader(tessel::host::HostPath archivePath, ArchiveFormat format,
+                      const std::u16string& password, ReaderSetup setup);
     ~ArchiveDiskReader();
     ArchiveDiskReader(const ArchiveDiskReader&) = delete;
     ArchiveDiskReader& operator=(const ArchiveDiskReader&) = delete;
@@ -38,7 +55,20 @@ class ArchiveDiskReader {
     // Reads one block and drops it: where a missing or wrong passphrase shows.
     void probeDataBlock(DataBlock& block, ::archive_entry* entry);
 
+    // For a single gzip file whose data was read whole (with trackDataCrc): compares the
+    // data's CRC-32 and length with the last trailer, and when they differ (several
+    // members, or damage) checks every member. Damage raises CorruptGzFile.
+    void checkGzipTrailer();
+
     const tessel::host::HostPath& archivePath() const noexcept { return archivePath_; }
+    ::archive* handle() const noexcept { return handle_.get(); }
+
+    // Bytes of the archive read so far, and its size (0 when not a regular file).
+    std::uint64_t bytesRead() const noexcept { return source_->bytesRead(); }
+    std::uint64_t totalBytes() const noexcept { return source_->totalBytes(); }
+    // CRC-32 and length of the current entry's data read so far (with trackDataCrc).
+    std::uint32_t dataCrc() const noexcept { return dataCrc_; }
+    std::uint64_t dataLength() const noexcept { return dataLength_; }
 
   private:
     struct HandleCloser {
@@ -50,9 +80,16 @@ class ArchiveDiskReader {
 
     void enableFormats(ArchiveFormat format);
     void openFile(ArchiveFormat format);
+    void readLegacyZipName(::archive_entry* entry);
+    void judgeCompressedStream();
 
+    // The source outlives the handle, whose close still calls it.
+    std::unique_ptr<ArchiveFileSource> source_;
     std::unique_ptr<::archive, HandleCloser> handle_;
     tessel::host::HostPath archivePath_;
+    ReaderSetup setup_;
+    std::uint32_t dataCrc_ = 0;
+    std::uint64_t dataLength_ = 0;
 };
 
 }  // namespace tessel::io::archive::core

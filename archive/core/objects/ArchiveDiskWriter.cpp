@@ -1,7 +1,11 @@
 #include <archive/core/objects/ArchiveDiskWriter.hpp>
 
+#include <unistd.h>
+
 #include <cerrno>
+#include <filesystem>
 #include <new>
+#include <string_view>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -24,6 +28,52 @@ static_assert(kDiskWriteOptions == 0x66);
 
 constexpr const char* kCannotUnlink = "Can't unlink already-existing object";
 constexpr const char* kWriteFailed = "Write failed";
+// What libarchive's secure-extraction flags say when they refuse an entry.
+constexpr std::string_view kDotDot = "Path contains '..'";
+constexpr std::string_view kThroughSymlink = "Cannot extract through symlink ";
+constexpr std::string_view kHardlinkToSymlink = "Cannot write hardlink to symlink ";
+
+std::optional<NullArchiveRule> securityRefusal(const std::string& message) {
+    if (message == kDotDot) {
+        return NullArchiveRule::EntryOutsideFolder;
+    }
+    if (message.starts_with(kThroughSymlink) || message.starts_with(kHardlinkToSymlink)) {
+        return NullArchiveRule::EntryThroughSymlink;
+    }
+    return std::nullopt;
+}
+
+int diskWriteOptions(const WriterSetup& setup) {
+    int options = kDiskWriteOptions;
+    if (setup.confine) {
+        options |= ARCHIVE_EXTRACT_SECURE_SYMLINKS | ARCHIVE_EXTRACT_SECURE_NODOTDOT;
+    }
+    if (setup.safeWrites) {
+        options |= ARCHIVE_EXTRACT_SAFE_WRITES;
+    }
+    if (setup.noOverwrite) {
+        options |= ARCHIVE_EXTRACT_NO_OVERWRITE;
+    }
+    return options;
+}
+
+// libarchive writes a replacement to "<name>.XXXXXX" and keeps it open until the entry is
+// finished; the open descriptor is how that temporary is found again.
+std::optional<std::string> openTemporaryFor(const std::string& target) {
+    std::error_code error;
+    for (const auto& link : std::filesystem::directory_iterator("/proc/self/fd", error)) {
+        const std::filesystem::path opened = std::filesystem::read_symlink(link.path(), error);
+        if (error) {
+            continue;
+        }
+        const std::string& name = opened.native();
+        if (name.size() == target.size() + 7 && name.starts_with(target) &&
+            name[target.size()] == '.') {
+            return name;
+        }
+    }
+    return std::nullopt;
+}
 
 bool isStrictGz(const std::optional<ArchiveFormat>& strictFormat) {
     return strictFormat.has_value() && *strictFormat == ArchiveFormat::Gz;
@@ -55,11 +105,16 @@ bool isFolder(const tessel::host::HostPath& path) {
 }  // namespace
 
 ArchiveDiskWriter::ArchiveDiskWriter(tessel::host::HostPath outputFolder)
-    : handle_(archive_write_disk_new()), outputFolder_(std::move(outputFolder)) {
+    : ArchiveDiskWriter(std::move(outputFolder), WriterSetup{}) {}
+
+ArchiveDiskWriter::ArchiveDiskWriter(tessel::host::HostPath outputFolder, WriterSetup setup)
+    : handle_(archive_write_disk_new()),
+      outputFolder_(std::move(outputFolder)),
+      setup_(std::move(setup)) {
     if (!handle_) {
         throw std::bad_alloc();
     }
-    archive_write_disk_set_options(handle_.get(), kDiskWriteOptions);
+    archive_write_disk_set_options(handle_.get(), diskWriteOptions(setup_));
     archive_write_disk_set_standard_lookup(handle_.get());
 }
 
@@ -82,9 +137,13 @@ bool ArchiveDiskWriter::writeHeader(::archive_entry* entry,
 
     ::archive* handle = handle_.get();
     if (archive_write_header(handle, entry) != ARCHIVE_OK) {
-        const NullArchiveRule rule = libarchiveErrorString(handle, 1) == kCannotUnlink
-                                         ? NullArchiveRule::OverwriteOpenFile
-                                         : NullArchiveRule::InvalidEntryHeader;
+        const std::string message = libarchiveErrorString(handle, 1);
+        // A confined writer's refusal is no skipped entry: the archive tried to get out.
+        if (const auto refusal = setup_.confine ? securityRefusal(message) : std::nullopt) {
+            throwArchiveErrorForPath(*refusal, handle, entry);
+        }
+        const NullArchiveRule rule = message == kCannotUnlink ? NullArchiveRule::OverwriteOpenFile
+                                                              : NullArchiveRule::InvalidEntryHeader;
         if (isStrictGz(strictFormat)) {
             throwArchiveErrorForPath(rule, handle, entry);
         }
@@ -114,11 +173,48 @@ void ArchiveDiskWriter::recordWrittenFile(::archive_entry* entry) {
     const tessel::host::HostPath path = entryPath(entry);
     std::u16string text = path.native();
     const char16_t separator = tessel::host::HostPath::separator();
-    // Folder entries often carry their separator already ("dir/"): list it once.
-    if (isFolder(path) && (text.empty() || text.back() != separator)) {
+    // A regular file just written is no folder; anything else (a link may lead to one)
+    // is asked. Folder entries often carry their separator already ("dir/"): list it once.
+    const bool regular = archive_entry_filetype(entry) == AE_IFREG;
+    if (!regular && isFolder(path) && (text.empty() || text.back() != separator)) {
         text.push_back(separator);
     }
-    writtenFiles_.push_back(std::move(text));
+    writtenFiles_.push_back(shown(std::move(text)));
+}
+
+std::u16string ArchiveDiskWriter::shown(std::u16string path) const {
+    if (!setup_.shownFolder) {
+        return path;
+    }
+    const std::u16string& folder = outputFolder_.native();
+    if (!path.starts_with(folder) || path.size() <= folder.size() ||
+        path[folder.size()] != tessel::host::HostPath::separator()) {
+        return path;
+    }
+    // "" and "." name the current folder: its entries are listed relative, as without
+    // confinement.
+    const std::u16string& name = *setup_.shownFolder;
+    if (name.empty() || name == u".") {
+        return path.substr(folder.size() + 1);
+    }
+    const bool hasSeparator = name.back() == tessel::host::HostPath::separator();
+    return name + path.substr(folder.size() + (hasSeparator ? 1 : 0));
+}
+
+void ArchiveDiskWriter::abandonReplacement() {
+    if (!currentEntryPath_) {
+        return;
+    }
+    if (setup_.safeWrites) {
+        const tessel::host::HostPath absolute = currentEntryPath_->absolute();
+        if (const auto temporary = openTemporaryFor(absolute.access())) {
+            // Gone before the entry is finished, so libarchive's rename fails and the file
+            // under the entry's name is never replaced.
+            ::unlink(temporary->c_str());
+        }
+    }
+    archive_write_finish_entry(handle_.get());
+    currentEntryPath_.reset();
 }
 
 void ArchiveDiskWriter::deleteCurrentEntryFile() {

@@ -14,12 +14,26 @@
 
 namespace tessel::io::archive::core {
 
+// What a writer does beyond restoring permissions, times, ACLs and file flags.
+struct WriterSetup {
+    // libarchive's secure-extraction flags: refuse ".." and writing through symbolic links.
+    bool confine = false;
+    // libarchive's safe writes: an existing file is replaced through a temporary.
+    bool safeWrites = false;
+    // libarchive leaves an existing file alone (the caller warns before that happens).
+    bool noOverwrite = false;
+    // The output folder as the caller named it, when the writer works on its canonical
+    // form: listed paths are shown under the caller's name.
+    std::optional<std::u16string> shownFolder;
+};
+
 // Writes archive entries to disk through one libarchive write-disk handle, restoring
 // permissions, times, ACLs and file flags. Keeps the paths of the entries it completed
 // and can delete the file of the entry in progress.
 class ArchiveDiskWriter {
   public:
     explicit ArchiveDiskWriter(tessel::host::HostPath outputFolder);
+    ArchiveDiskWriter(tessel::host::HostPath outputFolder, WriterSetup setup);
     ~ArchiveDiskWriter();
     ArchiveDiskWriter(const ArchiveDiskWriter&) = delete;
     ArchiveDiskWriter& operator=(const ArchiveDiskWriter&) = delete;
@@ -44,6 +58,11 @@ class ArchiveDiskWriter {
     // Removes the file of the entry whose header was written last, if any.
     void deleteCurrentEntryFile();
 
+    // Gives up the entry in progress without touching the file it was replacing: with safe
+    // writes its data is still in libarchive's temporary, which goes, and the file under
+    // the entry's name stays as it was.
+    void abandonReplacement();
+
   private:
     struct HandleCloser {
         void operator()(::archive* handle) const noexcept {
@@ -52,10 +71,13 @@ class ArchiveDiskWriter {
         }
     };
 
+    std::u16string shown(std::u16string path) const;
+
     std::unique_ptr<::archive, HandleCloser> handle_;
     std::vector<std::u16string> writtenFiles_;
     tessel::host::HostPath outputFolder_;
     std::optional<tessel::host::HostPath> currentEntryPath_;
+    WriterSetup setup_;
 };
 
 }  // namespace tessel::io::archive::core

@@ -6,10 +6,8 @@ namespace tessel::io::archive::core {
 
 PathProblem checkOverwritable(const tessel::host::HostPath& path) {
     try {
-        if (!path.exists()) {
-            return std::nullopt;
-        }
-        if (path.status().ownerWrite) {
+        const std::optional<tessel::host::FileStatus> status = path.statusIfExists();
+        if (!status || status->ownerWrite) {
             return std::nullopt;
         }
         return NullArchiveRule::UnableToOverwrite;

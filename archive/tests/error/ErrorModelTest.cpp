@@ -143,7 +143,24 @@ TEST(MessageClasses, MatchTheCatalogueOneToOne) {
         msg::extractArchive::internalError(),
         msg::extractArchive::unableToCreate(s),
         msg::extractArchive::unableToOverwrite(s),
-        msg::extractArchive::removeControlM(s)};
+        msg::extractArchive::removeControlM(s),
+        // The additions'.
+        msg::extractArchive::entryOutsideFolder(p, p),
+        msg::extractArchive::entryThroughSymlink(p, p),
+        msg::extractArchive::linkOutsideFolder(p, p, p),
+        msg::extractArchive::entryNotFound(p, p),
+        msg::extractArchive::cancelled(),
+        msg::extractArchive::writeError(p),
+        msg::extractArchive::specialFileSkipped(p),
+        msg::extractArchive::existingFileKept(p),
+        msg::createArchive::cancelled(),
+        msg::createArchive::unknownArchiveType(p),
+        msg::createArchive::invalidCompression(p, p),
+        msg::createArchive::writeError(p),
+        msg::gzip::outputDiskFull(p),
+        msg::gunzip::outputIsInput(p),
+        msg::testArchive::damagedEntry(p, p, s),
+        msg::testArchive::damagedStream(p, s)};
     // Raised or warned under another identifier than their class's.
     std::set<std::string> fromClasses = {"TESSEL:io:archive:zip:DiskSpaceFull",
                                          "TESSEL:io:archive:tar:DiskSpaceFull",

@@ -6,6 +6,7 @@
 #include <archive/core/error/messages/gunzip.hpp>
 #include <archive/core/error/messages/gzip.hpp>
 #include <archive/core/error/messages/tar.hpp>
+#include <archive/core/error/messages/testArchive.hpp>
 #include <archive/core/error/messages/untar.hpp>
 #include <archive/core/error/messages/unzip.hpp>
 #include <archive/core/error/messages/zip.hpp>

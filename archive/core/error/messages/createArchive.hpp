@@ -16,4 +16,10 @@ TQ_MESSAGE_CLASS("TESSEL:io:archive:createArchive", entryNameCountMismatch, 2); 
 // A warning; also issued under "TESSEL:zip:openEntryError" and "TESSEL:tar:openEntryError".
 TQ_MESSAGE_CLASS("TESSEL:io:archive:createArchive", openEntryError, 1);  // path, UTF-8
 
+// The additions' errors.
+TQ_MESSAGE_CLASS("TESSEL:io:archive:createArchive", cancelled, 0);
+TQ_MESSAGE_CLASS("TESSEL:io:archive:createArchive", unknownArchiveType, 1);  // archive path
+TQ_MESSAGE_CLASS("TESSEL:io:archive:createArchive", invalidCompression, 2);  // filter, level
+TQ_MESSAGE_CLASS("TESSEL:io:archive:createArchive", writeError, 1);          // archive path
+
 }  // namespace TESSEL::io::archive::createArchive

@@ -17,4 +17,15 @@ TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", unableToCreate, 1);
 TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", unableToOverwrite, 1);
 TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", removeControlM, 1);
 
+// The additions' errors and warnings.
+TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", entryOutsideFolder, 2);   // entry, archive
+TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", entryThroughSymlink, 2);  // entry, archive
+// entry, its target, archive
+TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", linkOutsideFolder, 3);
+TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", entryNotFound, 2);  // pattern, archive
+TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", cancelled, 0);
+TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", writeError, 1);            // target path
+TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", specialFileSkipped, 1);    // entry, warning
+TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", existingFileKept, 1);      // path, warning
+
 }  // namespace TESSEL::io::archive::extractArchive

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <archive.h>
+
+#include <archive/core/CompressedStreamCheck.hpp>
+
+namespace tessel::io::archive::core {
+
+// Feeds libarchive the bytes of an archive file (or of a descriptor the caller owns), as
+// libarchive's own file reader does, and shows every byte handed over to a check of the
+// compressed stream: the check sees exactly what the reader decodes, in the same pass.
+// It also counts the bytes read, for progress.
+class ArchiveFileSource {
+  public:
+    // path: opened when libarchive opens the source; with descriptor >= 0 the descriptor
+    // is read instead (and left open), and path only names it in messages.
+    ArchiveFileSource(std::string path, int descriptor);
+    ~ArchiveFileSource();
+    ArchiveFileSource(const ArchiveFileSource&) = delete;
+    ArchiveFileSource& operator=(const ArchiveFileSource&) = delete;
+
+    // Installs the callbacks on an unopened read handle and opens it.
+    int open(::archive* handle);
+
+    void setCheck(std::unique_ptr<CompressedStreamCheck> check) { check_ = std::move(check); }
+    bool hasCheck() const noexcept { return check_ != nullptr; }
+    // Reads what libarchive left unread into the check and returns its verdict.
+    std::optional<std::string> finishCheck();
+    // Reads what libarchive left unread, so that tail() is the end of the input.
+    void drain();
+    // The last bytes read (at most 8: a gzip trailer).
+    const std::string& tail() const noexcept { return tail_; }
+    // Whether the input can be read again from its start (a regular file).
+    bool rereadable() const noexcept { return seekable_; }
+    // Feeds the whole input, from its start, to a check (a rereadable input only).
+    void rereadInto(CompressedStreamCheck& check);
+
+    std::uint64_t bytesRead() const noexcept { return bytesRead_; }
+    // The file's size when it is a regular file, else 0.
+    std::uint64_t totalBytes() const noexcept { return totalBytes_; }
+
+  private:
+    static int openCallback(::archive* handle, void* self);
+    static la_ssize_t readCallback(::archive* handle, void* self, const void** buffer);
+    static la_int64_t skipCallback(::archive* handle, void* self, la_int64_t request);
+    static la_int64_t seekCallback(::archive* handle, void* self, la_int64_t offset, int whence);
+    static int closeCallback(::archive* handle, void* self);
+
+    la_ssize_t readBlock(::archive* handle);
+    void saw(const unsigned char* bytes, std::size_t size);
+
+    std::string path_;
+    int fd_ = -1;
+    bool ownsFd_;
+    bool seekable_ = false;
+    std::vector<unsigned char> buffer_;
+    std::unique_ptr<CompressedStreamCheck> check_;
+    std::uint64_t bytesRead_ = 0;
+    std::uint64_t totalBytes_ = 0;
+    std::string tail_;
+};
+
+}  // namespace tessel::io::archive::core
