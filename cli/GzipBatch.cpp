@@ -105,6 +105,7 @@ void GzipBatch::process(const Job& job, ProgressReporter& reporter) const {
         options.outputDescriptor = descriptor;
         options.level = commandLine_.level;
         options.reportFinalClose = true;
+        options.skipRefusedEntries = true;
         options.progress = reporter.callback();
         core::compressgzToFile(text(job.input), text(job.output), options);
     }

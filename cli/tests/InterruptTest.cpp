@@ -49,6 +49,24 @@ TEST(Interrupt, ASignalDuringAWriteKeepsThePreviousFileAndRemovesTheTemporary) {
     }
 }
 
+// On a terminal, work that lasts shows a progress line; Ctrl-C typed there stops it.
+TEST(Interrupt, LongWorkShowsProgressOnATerminalAndCtrlCStopsIt) {
+    if (!toolAvailable("script")) {
+        GTEST_SKIP() << "script (util-linux) is not installed";
+    }
+    TempDir dir;
+    const std::string typed =
+        "echo previous > b.zip && truncate -s 8G big.bin && (for i in $(seq 3000); do grep -qs "
+        "'/s ' shown && break; sleep 0.01; done; printf '\\003') | script -qfec " +
+        shellQuote(program() + " zip b.zip big.bin -9") + " shown; echo status=$?; ls -A";
+    EXPECT_EQ(sh(dir.path(), typed), "status=130\nb.zip\nbig.bin\nshown\n");
+    const std::string shown = readFile(dir / "shown");
+    EXPECT_TRUE(shown.find(" of 8.0 GiB, ") != std::string::npos &&
+                shown.find("/s  big.bin") != std::string::npos)
+        << shown;
+    EXPECT_EQ(readFile(dir / "b.zip"), "previous\n");
+}
+
 // A tmpfs swept in 4 KiB steps: at each size the run either succeeds with a sound file or
 // fails and keeps the previous one; never a truncated file reported as success, never a
 // temporary left.
