@@ -49,6 +49,10 @@ struct ExtractOptions {
     // uncompressgzWithOptions only: write the one decompressed file here instead.
     int outputDescriptor = -1;
 
+    // listArchive: read each zip entry's data to measure its compressed size, which
+    // libarchive does not report (costs a decompression of every entry).
+    bool measureCompressedSizes = false;
+
     ProgressCallback progress;
     // The gzip trailer check (empty: makeGzipStreamCheck).
     StreamCheckFactory gzipCheck;

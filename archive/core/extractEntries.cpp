@@ -30,7 +30,8 @@ using tessel::host::HostPath;
 ReaderSetup readerSetup(const ExtractOptions& options) {
     ReaderSetup setup;
     setup.inputDescriptor = options.inputDescriptor;
-    setup.gzipCheck = options.gzipCheck ? options.gzipCheck : StreamCheckFactory(makeGzipStreamCheck);
+    setup.gzipCheck =
+        options.gzipCheck ? options.gzipCheck : StreamCheckFactory(makeGzipStreamCheck);
     return setup;
 }
 
@@ -38,9 +39,10 @@ ReaderSetup readerSetup(const ExtractOptions& options) {
 // so a confined writer works on the folder's canonical form (no symbolic links, no "..").
 HostPath canonicalFolder(const HostPath& folder) {
     std::error_code error;
-    const std::filesystem::path named = folder.empty() ? std::filesystem::path(".") : folder.fsPath();
-    std::filesystem::path canonical = std::filesystem::weakly_canonical(
-        std::filesystem::absolute(named, error), error);
+    const std::filesystem::path named =
+        folder.empty() ? std::filesystem::path(".") : folder.fsPath();
+    std::filesystem::path canonical =
+        std::filesystem::weakly_canonical(std::filesystem::absolute(named, error), error);
     if (error) {
         canonical = std::filesystem::absolute(named).lexically_normal();
     }
@@ -70,8 +72,7 @@ bool isFolderEntry(::archive_entry* entry) {
 std::vector<std::u16string> extractEntries(const std::u16string& archivePath,
                                            const std::u16string& outputFolder,
                                            const std::u16string& formatText,
-                                           const ExtractOptions& options,
-                                           EntrySelection& selection,
+                                           const ExtractOptions& options, EntrySelection& selection,
                                            ExtractionFailures failures) {
     const ArchiveFormat format = archiveFormatFromText(formatText);
     const bool withOptions = failures == ExtractionFailures::AsOptionsSay;
@@ -106,8 +107,8 @@ std::vector<std::u16string> extractEntries(const std::u16string& archivePath,
         const EntrySafety safety(options, HostPath(writer->outputFolder()));
         const auto report = [&](bool started) {
             if (options.progress &&
-                !options.progress(Progress{reader->bytesRead(), reader->totalBytes(),
-                                           context.entry, started})) {
+                !options.progress(
+                    Progress{reader->bytesRead(), reader->totalBytes(), context.entry, started})) {
                 throwInternalError(NullArchiveRule::Cancelled);
             }
             return true;

@@ -24,8 +24,7 @@ enum class ExtractionFailures {
 std::vector<std::u16string> extractEntries(const std::u16string& archivePath,
                                            const std::u16string& outputFolder,
                                            const std::u16string& format,
-                                           const ExtractOptions& options,
-                                           EntrySelection& selection,
+                                           const ExtractOptions& options, EntrySelection& selection,
                                            ExtractionFailures failures);
 
 }  // namespace tessel::io::archive::core

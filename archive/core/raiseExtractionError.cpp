@@ -51,8 +51,7 @@ void raiseExtractionError(const ArchiveException& failure, const std::u16string&
         case NullArchiveRule::EntryThroughSymlink:
             messages::extractArchive::entryThroughSymlink(context.entry, archivePath).raise();
         case NullArchiveRule::LinkOutsideFolder:
-            messages::extractArchive::linkOutsideFolder(context.entry, failure.message,
-                                                        archivePath)
+            messages::extractArchive::linkOutsideFolder(context.entry, failure.message, archivePath)
                 .raise();
         case NullArchiveRule::Cancelled:
             messages::extractArchive::cancelled().raise();

@@ -39,6 +39,7 @@ enum class NullArchiveRule : std::int32_t {
     LinkOutsideFolder = 28,
     Cancelled = 29,
     OutputIsInput = 30,
+    InvalidCompressionLevel = 31,
 };
 
 }  // namespace tessel::io::archive::core

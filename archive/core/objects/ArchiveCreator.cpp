@@ -4,6 +4,7 @@
 #include <archive_entry.h>
 
 #include <cerrno>
+#include <cstring>
 #include <new>
 
 #include <archive/core/error/StatusChecks.hpp>
@@ -22,6 +23,8 @@ namespace {
 constexpr const char* kEmptyPassphrase = "Empty passphrase is unacceptable";
 constexpr const char* kEncryptionNotSupported = "encryption not supported";
 constexpr const char* kWriteError = "Write error";
+// The zip format's name field holds this many bytes; libarchive does not check it.
+constexpr std::size_t kZipNameLimit = 65535;
 
 ::archive* newWriteHandle() {
     ::archive* handle = archive_write_new();
@@ -44,19 +47,31 @@ void ArchiveCreator::WriteHandleCloser::operator()(::archive* handle) const noex
 }
 
 ArchiveCreator::ArchiveCreator(HostPath archivePath, ArchiveFormat format)
+    : ArchiveCreator(std::move(archivePath), format, CreatorSetup{}) {}
+
+ArchiveCreator::ArchiveCreator(HostPath archivePath, ArchiveFormat format, CreatorSetup setup)
     : handle_(newWriteHandle()),
       archivePath_(absoluteArchivePath(std::move(archivePath))),
-      format_(format) {
+      format_(format),
+      setup_(std::move(setup)) {
     setFormat(format_);
+    applySetup();
     openArchiveFile();
 }
 
 ArchiveCreator::ArchiveCreator(HostPath archivePath, const std::u16string& password,
                                const std::u16string& encryptionMethod, ArchiveFormat format)
+    : ArchiveCreator(std::move(archivePath), password, encryptionMethod, format, CreatorSetup{}) {}
+
+ArchiveCreator::ArchiveCreator(HostPath archivePath, const std::u16string& password,
+                               const std::u16string& encryptionMethod, ArchiveFormat format,
+                               CreatorSetup setup)
     : handle_(newWriteHandle()),
       archivePath_(absoluteArchivePath(std::move(archivePath))),
-      format_(format) {
+      format_(format),
+      setup_(std::move(setup)) {
     setFormat(format_);
+    applySetup();
 
     const std::string passphrase = tessel::host::toNarrow(password);
     if (archive_write_set_passphrase(handle_.get(), passphrase.c_str()) != ARCHIVE_OK &&
@@ -126,8 +141,32 @@ void ArchiveCreator::setFormat(ArchiveFormat format) {
     }
 }
 
+void ArchiveCreator::applySetup() {
+    ::archive* handle = handle_.get();
+    if (!setup_.filter.empty() &&
+        archive_write_add_filter_by_name(handle, setup_.filter.c_str()) != ARCHIVE_OK) {
+        throwArchiveError(NullArchiveRule::UnableToSetFilter, handle);
+    }
+    if (setup_.level < 0) {
+        return;
+    }
+    const std::string level = std::to_string(setup_.level);
+    const bool zip = (archive_format(handle) & ARCHIVE_FORMAT_BASE_MASK) == ARCHIVE_FORMAT_ZIP;
+    // Zip compresses entry by entry; every other format leaves it to its filter.
+    const int status =
+        zip ? archive_write_set_format_option(handle, "zip", "compression-level", level.c_str())
+            : archive_write_set_filter_option(handle, nullptr, "compression-level", level.c_str());
+    if (status != ARCHIVE_OK) {
+        throwArchiveError(NullArchiveRule::InvalidCompressionLevel, handle);
+    }
+}
+
 void ArchiveCreator::openArchiveFile() {
-    if (archive_write_open_filename(handle_.get(), archivePath_.access().c_str()) != ARCHIVE_OK) {
+    const int status =
+        setup_.outputDescriptor >= 0
+            ? archive_write_open_fd(handle_.get(), setup_.outputDescriptor)
+            : archive_write_open_filename(handle_.get(), archivePath_.access().c_str());
+    if (status != ARCHIVE_OK) {
         throwArchiveError(archive_errno(handle_.get()) == EACCES
                               ? NullArchiveRule::AccessDenied
                               : NullArchiveRule::CouldNotOpenArchiveForWriting,
@@ -142,6 +181,17 @@ bool ArchiveCreator::writeHeader(::archive_entry* entry) {
     const HostPath name = (pathname == nullptr || *pathname == '\0')
                               ? HostPath()
                               : HostPath::fromFileSystem(pathname).nativeForm();
+    // A zip name longer than its field would overrun libarchive's buffer: refused as a
+    // header libarchive refuses, and left in the same state (the entry's data is refused).
+    if ((archive_format(handle_.get()) & ARCHIVE_FORMAT_BASE_MASK) == ARCHIVE_FORMAT_ZIP &&
+        pathname != nullptr && std::strlen(pathname) > kZipNameLimit) {
+        archive_write_finish_entry(handle_.get());
+        archive_set_error(handle_.get(), ENAMETOOLONG,
+                          "Pathname is too long for zip (%zu bytes, at most %zu)",
+                          std::strlen(pathname), kZipNameLimit);
+        warnArchiveError(NullArchiveRule::InvalidEntryHeader, handle_.get(), name);
+        return false;
+    }
     // Warnings count as refusals too: the entry may be stored other than asked.
     if (archive_write_header(handle_.get(), entry) != ARCHIVE_OK) {
         warnArchiveError(NullArchiveRule::InvalidEntryHeader, handle_.get(), name);
@@ -173,6 +223,17 @@ void ArchiveCreator::addEntryName(::archive_entry* entry) {
         name.pop_back();
     }
     entryNames_.push_back(std::move(name));
+}
+
+void ArchiveCreator::finish() {
+    ::archive* handle = handle_.get();
+    if (archive_write_close(handle) == ARCHIVE_OK) {
+        return;
+    }
+    const bool diskFull =
+        archive_errno(handle) == ENOSPC && libarchiveErrorString(handle, 1) == kWriteError;
+    throwArchiveError(
+        diskFull ? NullArchiveRule::DiskSpaceFull : NullArchiveRule::CouldNotWriteFile, handle);
 }
 
 void ArchiveCreator::deleteArchiveFile() {

@@ -13,6 +13,16 @@ struct archive_entry;
 
 namespace tessel::io::archive::core {
 
+// What a creator does beyond its format.
+struct CreatorSetup {
+    // A libarchive compression filter added to a tar format ("xz", "zstd", ...); empty: none.
+    std::string filter;
+    // The compression level of zip or of the filter; -1: libarchive's default.
+    int level = -1;
+    // Write to this descriptor (left open) instead of opening the archive path.
+    int outputDescriptor = -1;
+};
+
 // Owns one libarchive write handle opened on a new archive file: chooses format and
 // filter, optionally a passphrase and the zip encryption method, writes entry headers
 // and data, and keeps the names of the entries written. Destroying it finishes the
@@ -22,10 +32,14 @@ class ArchiveCreator {
     // Failures throw ArchiveException: UnableToSetFormat, UnableToSetFilter, AccessDenied,
     // CouldNotOpenArchiveForWriting.
     ArchiveCreator(tessel::host::HostPath archivePath, ArchiveFormat format);
+    ArchiveCreator(tessel::host::HostPath archivePath, ArchiveFormat format, CreatorSetup setup);
     // Also EmptyPassphrase, EncryptionNotSupported, CryptoUnsupported and
     // CouldNotSetWriteOptions (the zip option is refused by every other format).
     ArchiveCreator(tessel::host::HostPath archivePath, const std::u16string& password,
                    const std::u16string& encryptionMethod, ArchiveFormat format);
+    ArchiveCreator(tessel::host::HostPath archivePath, const std::u16string& password,
+                   const std::u16string& encryptionMethod, ArchiveFormat format,
+                   CreatorSetup setup);
     ~ArchiveCreator();
 
     ArchiveCreator(const ArchiveCreator&) = delete;
@@ -42,6 +56,10 @@ class ArchiveCreator {
     // Closes the archive and removes its file; a failed close keeps the file. Afterwards
     // the creator must only be destroyed.
     void deleteArchiveFile();
+    // Finishes the archive (trailer, central directory, last buffered block) and reports
+    // a failure: DiskSpaceFull for a full disk, CouldNotWriteFile otherwise. Afterwards the
+    // creator must only be destroyed.
+    void finish();
 
     const tessel::host::HostPath& archivePath() const noexcept { return archivePath_; }
 
@@ -51,12 +69,14 @@ class ArchiveCreator {
     };
 
     void setFormat(ArchiveFormat format);
+    void applySetup();
     void openArchiveFile();
 
     std::unique_ptr<::archive, WriteHandleCloser> handle_;
     tessel::host::HostPath archivePath_;
     std::vector<std::u16string> entryNames_;
     ArchiveFormat format_;
+    CreatorSetup setup_;
 };
 
 }  // namespace tessel::io::archive::core

@@ -8,9 +8,9 @@
 #include <boost/locale/encoding.hpp>
 
 #include <archive/core/error/StatusChecks.hpp>
-#include <archive/core/objects/GzipStreamCheck.hpp>
 #include <archive/core/log/LogLevel.hpp>
 #include <archive/core/log/LogRecord.hpp>
+#include <archive/core/objects/GzipStreamCheck.hpp>
 #include <host/TextConversion.hpp>
 
 namespace tessel::io::archive::core {

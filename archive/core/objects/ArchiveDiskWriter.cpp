@@ -5,9 +5,9 @@
 #include <cerrno>
 #include <filesystem>
 #include <new>
-#include <string_view>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include <archive/core/error/StatusChecks.hpp>

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <functional>
 #include <ios>
 
 #include <archive/core/objects/ArchiveCreator.hpp>
@@ -14,5 +16,9 @@ namespace tessel::io::archive::core {
 // report; write failures propagate from ArchiveCreator::writeData.
 void copyFileContent(CopyBuffer& buffer, ArchiveCreator& creator, ::archive_entry* entry,
                      std::streamsize chunkSize);
+// The same, calling afterChunk with each chunk's size once it is written; false from it
+// stops the copy with Cancelled.
+void copyFileContent(CopyBuffer& buffer, ArchiveCreator& creator, ::archive_entry* entry,
+                     std::streamsize chunkSize, const std::function<bool(std::size_t)>& afterChunk);
 
 }  // namespace tessel::io::archive::core

@@ -24,8 +24,8 @@ TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", entryThroughSymlink, 2);  /
 TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", linkOutsideFolder, 3);
 TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", entryNotFound, 2);  // pattern, archive
 TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", cancelled, 0);
-TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", writeError, 1);            // target path
-TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", specialFileSkipped, 1);    // entry, warning
-TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", existingFileKept, 1);      // path, warning
+TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", writeError, 1);          // target path
+TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", specialFileSkipped, 1);  // entry, warning
+TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", existingFileKept, 1);    // path, warning
 
 }  // namespace TESSEL::io::archive::extractArchive
