@@ -47,7 +47,7 @@ TEST(BadInput, ExitStatus1AnIdentifiedErrorAndNothingWritten) {
         {"zip a.zip plain.txt -C .. --password p --encryption rot13",
          archive + "createArchive:invalidEncryptionInLinux"},
         {"zip a.zip plain.txt -C .. --password ''", archive + "createArchive:emptyPassword"},
-        {"zip a.zip x --password-file ../none", "tqarchive:passwordFile"},
+        {"zip a.zip plain.txt -C .. --password-file ../none", "tqarchive:passwordFile"},
         {"zip ../locked/a.zip plain.txt -C ..", archive + "zip:openError"},
         {"tar ../locked/a.tar.xz plain.txt -C ..", archive + "tar:openError"},
         {"gzip ../plain.txt -d ../locked", archive + "gzip:javaOutputOpenError"},

@@ -56,8 +56,10 @@ TEST(RoundTrip, GzipBesideOrMirroredUnderTheOutputFolderAndGunzipBack) {
     auto expected = snapshot(dir / "tree");
     expected.erase("empty");                       // gzip has no folders to carry
     writeFile(dir / "tree/old.gz", "left alone");  // a .gz input is left alone
-    const auto beside = tqarchive(dir.path(), "gzip tree/readme.txt --log diag.log");
-    EXPECT_EQ(beside.output + beside.err, "tree/readme.txt.gz\n");
+    shell(dir.path(), "echo one > notes.txt && echo two > notes.md");  // one stem, two outputs
+    const auto beside =
+        tqarchive(dir.path(), "gzip tree/readme.txt notes.txt notes.md --log diag.log");
+    EXPECT_EQ(beside.output + beside.err, "tree/readme.txt.gz\nnotes.txt.gz\nnotes.md.gz\n");
     EXPECT_NE(readFile(dir / "diag.log").find("] tessel::io::archive::core: Read entry"),
               std::string::npos);
     shell(dir.path(), "gzip -c tree/*/*/*/more.bin > m.gz");
