@@ -82,10 +82,14 @@ int createArchiveFromInputs(const CommandLine& commandLine) {
     if (toStdout && ::isatty(STDOUT_FILENO) == 1) {
         raiseError("terminalOutput", {commandLine.command});
     }
+    std::error_code error;
+    if (!toStdout && fs::is_directory(archive, error)) {
+        // Most likely the operands were swapped; say so before anything is read or written.
+        raiseError("archiveIsFolder", {fromFileSystemText(archive), commandLine.command});
+    }
 
     const fs::path root = commandLine.rootFolder.value_or(std::string());
     const fs::path base = InputWalker::normal(root.empty() ? fs::path(".") : root);
-    std::error_code error;
     if (!fs::is_directory(base, error)) {
         raiseError("rootFolder", {root.string()});
     }

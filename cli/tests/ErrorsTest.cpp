@@ -40,6 +40,7 @@ TEST(BadInput, ExitStatus1AnIdentifiedErrorAndNothingWritten) {
         {"zip a.zip ../plain.txt", "tqarchive:inputOutsideRoot"},
         {"tar a.tgz x -C ../nowhere", "tqarchive:rootFolder"},
         {"tar backup a -C ..", "tqarchive:unknownTarType"},
+        {"zip ../a plain.txt -C ..", "tqarchive:archiveIsFolder"},
         {"tar backup.zip a -C ..", "tqarchive:unknownTarType"},
         {"gunzip ../plain.txt -d .", archive + "gunzip:notGzipFormat"},
         {"gunzip ../noext", "tqarchive:gunzipOutputIsInput"},
