@@ -18,6 +18,7 @@ TEST(Streams, ArchivesWrittenToStandardOutputAndReadFromStandardInput) {
     EXPECT_EQ(tqarchive(dir.path(), "tar - tree > p.tar").status, 0);
     EXPECT_EQ(sh(dir.path(), "head -c 262 p.tar | tail -c 5; head -c 2 s.tgz | od -An -tx1"),
               "ustar 1f 8b\n");
+    EXPECT_EQ(sh(dir.path(), "gzip -t s.tgz"), "");  // nothing after the gzip stream either
     for (const std::string unpack :
          {"unzip - -d z < s.zip", "untar - -d t < s.tgz", "untar - -d p < p.tar"}) {
         EXPECT_EQ(tqarchive(dir.path(), unpack + " -q").err, "") << unpack;
