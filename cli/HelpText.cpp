@@ -1,14 +1,5 @@
 #include "HelpText.hpp"
 
-#include <archive.h>
-
-#if __has_include(<archive/core/version.hpp>)
-#include <archive/core/version.hpp>
-#define TQ_PROGRAM_VERSION TQARCHIVECORE_VERSION_STRING
-#else
-#define TQ_PROGRAM_VERSION TQ_VERSION
-#endif
-
 #include "CommandDocs.hpp"
 
 namespace tqarchive {
@@ -111,9 +102,4 @@ std::string helpText(const std::string& name) {
     }
     return text;
 }
-
-std::string versionText() {
-    return std::string("tqarchive ") + TQ_PROGRAM_VERSION + "\n" + archive_version_details() + "\n";
-}
-
 }  // namespace tqarchive

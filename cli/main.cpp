@@ -16,6 +16,7 @@
 #include "HelpText.hpp"
 #include "InterruptFlag.hpp"
 #include "ProcessLocale.hpp"
+#include "versionText.hpp"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include "CommandDocs.hpp"
 #include "DocumentGenerators.hpp"
-#include "HelpText.hpp"
+#include "versionText.hpp"
 
 namespace tqarchive {
 
