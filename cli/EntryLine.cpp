@@ -37,6 +37,7 @@ const char* typeName(core::EntryType type) {
 
 // "drwxr-xr-x", as ls -l shows it.
 std::string modeText(const core::EntryInfo& entry) {
+    // One letter for each EntryType, in the enumeration's order.
     const char* letters = "-dlhcbps?";
     std::string text(1, letters[static_cast<int>(entry.type)]);
     const char* rwx = "rwxrwxrwx";
@@ -76,47 +77,37 @@ std::string padLeft(const std::string& text, std::size_t width) {
     return text.size() >= width ? text : std::string(width - text.size(), ' ') + text;
 }
 
-void appendUtf8(std::string& out, char32_t c) {
-    if (c < 0x80) {
-        out += static_cast<char>(c);
-    } else if (c < 0x800) {
-        out += static_cast<char>(0xC0 | (c >> 6));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-        out += static_cast<char>(0xE0 | (c >> 12));
-        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    } else {
-        out += static_cast<char>(0xF0 | (c >> 18));
-        out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    }
-}
-
 }  // namespace
 
 std::string EntryLine::jsonString(std::u16string_view text) {
     std::string out = "\"";
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        const char16_t unit = text[at];
-        const bool high = unit >= 0xD800 && unit <= 0xDBFF;
-        if (high && at + 1 < text.size() && text[at + 1] >= 0xDC00 && text[at + 1] <= 0xDFFF) {
-            appendUtf8(out, 0x10000 + ((unit - 0xD800u) << 10) + (text[++at] - 0xDC00u));
-        } else if (unit == u'"' || unit == u'\\') {
-            out += '\\';
-            out += static_cast<char>(unit);
-        } else if (unit == u'\n') {
-            out += "\\n";
-        } else if (unit == u'\t') {
-            out += "\\t";
-        } else if (unit < 0x20 || unit == 0x7F || (unit >= 0xD800 && unit <= 0xDFFF)) {
-            char escape[8];
-            std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(unit));
-            out += escape;
-        } else {
-            appendUtf8(out, unit);
+    std::size_t plain = 0;  // where the run of characters copied as they are starts
+    for (std::size_t at = 0; at <= text.size(); ++at) {
+        const char16_t unit = at < text.size() ? text[at] : u'\0';
+        const bool pair = unit >= 0xD800 && unit <= 0xDBFF && at + 1 < text.size() &&
+                          text[at + 1] >= 0xDC00 && text[at + 1] <= 0xDFFF;
+        if (pair) {
+            ++at;
+            continue;
         }
+        const bool lone = unit >= 0xD800 && unit <= 0xDFFF;
+        if (at < text.size() && !lone && unit >= 0x20 && unit != 0x7F && unit != u'"' &&
+            unit != u'\\') {
+            continue;
+        }
+        out += tessel::host::toUtf8(text.substr(plain, at - plain));
+        plain = at + 1;
+        if (at == text.size()) {
+            break;
+        }
+        char escape[8];
+        if (unit == u'"' || unit == u'\\') {
+            std::snprintf(escape, sizeof escape, "\\%c", static_cast<char>(unit));
+        } else {
+            // Controls, and a lone surrogate: a byte of the name that is not UTF-8.
+            std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(unit));
+        }
+        out += escape;
     }
     return out + "\"";
 }

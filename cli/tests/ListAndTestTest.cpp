@@ -50,6 +50,12 @@ TEST(List, NamesInArchiveOrderLongFormAndJsonForScripts) {
         "b'dir/file.txt' file 1000000000 0644 None\n"
         "b'link' symlink 1000000000 0777 dir/file.txt\n"
         "b'\\xe9t\\xe9.txt' file 1000000000 4750 None\n");
+    // Quotes, backslashes and control characters are escaped the JSON way.
+    const std::string make = R"x(touch "$(printf 'q"\\\n.txt')" && tar -cf q.tar q* && )x";
+    const std::string read = R"x( list q.tar --json | python3 -c "import json, sys
+print(repr(json.loads(sys.stdin.readline())['name']))")x";
+    EXPECT_EQ(sh(dir.path(), make + program() + read), R"x('q"\\\n.txt')x"
+                                                       "\n");
     const auto encrypted = tqarchive(dir.path(), "list s.zip -v");
     EXPECT_TRUE(encrypted.output.find(" 6 ") != std::string::npos &&
                 encrypted.output.ends_with(" encrypted s.txt\n"))
