@@ -56,6 +56,18 @@ long long run(const std::string& mode, int argc, char** argv) {
         return static_cast<long long>(
             core::extractArchive(u16(argv[3]), u16(argv[4]), u16(argv[2]), u"").size());
     }
+    // The additions as the command-line tool uses them: confined with every safe mode, or
+    // with --unsafe-paths (confinement and safe modes off, cleanup and safe writes on).
+    if ((mode == "extract-safe" || mode == "extract-unsafe") && argc == 5) {
+        core::ExtractOptions options = core::ExtractOptions::safe();
+        if (mode == "extract-unsafe") {
+            options.confine = options.skipSpecialFiles = options.restrictPermissions =
+                options.refuseOutwardLinks = false;
+        }
+        return static_cast<long long>(
+            core::extractArchiveWithOptions(u16(argv[3]), u16(argv[4]), u16(argv[2]), options)
+                .written.size());
+    }
     if (mode == "gunzip" && argc == 4) {
         return static_cast<long long>(
             core::uncompressgz({u16(argv[2])}, u16(argv[3]), true).size());
@@ -85,6 +97,7 @@ int main(int argc, char** argv) {
         "usage: archive_bench archive <format> <archive> <folder>\n"
         "       archive_bench gzip <file> <outputFolder>\n"
         "       archive_bench extract <format> <archive> <outputFolder>\n"
+        "       archive_bench extract-safe|extract-unsafe <format> <archive> <outputFolder>\n"
         "       archive_bench gunzip <file.gz> <outputFile>\n",
         stderr);
     return 2;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -10,8 +11,9 @@ struct IssuedWarning {
     std::vector<std::string> arguments;  // UTF-8
 };
 
-// While alive, records the warnings issued on its thread instead of printing them.
-// Captures nest: the innermost one records.
+// While alive, records the warnings issued on the thread that made it instead of printing
+// them. Captures nest: the innermost one of a thread records. A capture may be destroyed
+// in any order and on any thread: it leaves its thread's captures wherever it sits.
 class WarningCapture {
   public:
     WarningCapture();
@@ -19,15 +21,16 @@ class WarningCapture {
     WarningCapture(const WarningCapture&) = delete;
     WarningCapture& operator=(const WarningCapture&) = delete;
 
-    const std::vector<IssuedWarning>& warnings() const noexcept { return warnings_; }
+    // The warnings recorded so far, in order (a copy: its thread may still be adding).
+    std::vector<IssuedWarning> warnings() const;
 
-    // Used by issueHostWarning: the innermost capture of this thread, or null.
-    static WarningCapture* current() noexcept;
-    void record(IssuedWarning warning) { warnings_.push_back(std::move(warning)); }
+    // Used by issueHostWarning: records the warning in the innermost capture of the
+    // calling thread; false when the thread has none.
+    static bool recordOnThisThread(IssuedWarning& warning);
 
   private:
+    std::uint64_t thread_;
     std::vector<IssuedWarning> warnings_;
-    WarningCapture* previous_;
 };
 
 }  // namespace tessel::host

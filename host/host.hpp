@@ -1,6 +1,7 @@
 #pragma once
 
-// The stand-alone host platform, all of it.
+// The stand-alone host platform, all of it, without Boost: an embedder that attaches a
+// Boost.Log sink to the diagnostic channel includes host/LogAttributes.hpp as well.
 #include <host/DiagnosticLogger.hpp>
 #include <host/FileSystemError.hpp>
 #include <host/HostError.hpp>

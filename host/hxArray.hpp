@@ -45,6 +45,12 @@ struct hxArrayDeleter {
 };
 using hxArrayPtr = std::unique_ptr<hxArray, hxArrayDeleter>;
 
+// Refuses the argument arrays of a builtin call that a host got wrong, before any work:
+// outputs asked for (nlhs > 0) without an output array ("TESSEL:host:nullOutputs"), inputs
+// announced (nrhs > 0) without an input array ("TESSEL:host:nullInputs"). With nlhs 0 a
+// null output array is fine: the builtin then stores nothing.
+void checkBuiltinArrays(int nlhs, const hxArrayPtr* plhs, int nrhs, const hxArray* const* prhs);
+
 // The host's standard argument-count errors; each raises and never returns.
 [[noreturn]] void errorTooManyOutputs();
 [[noreturn]] void errorTooManyInputs();

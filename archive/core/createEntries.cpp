@@ -141,6 +141,11 @@ std::vector<std::u16string> createEntries(const std::u16string& archivePath,
             const HostPath input = HostPath::fromText(files[i]);
             reader = std::make_unique<ArchiveObjectReader>(input, format);
             if (entryName.empty()) {
+                // Skipped without a word, but a missing input still fails the call.
+                if (!reader->exists()) {
+                    throwArchiveErrorWithMessage(NullArchiveRule::CouldNotOpenFile,
+                                                 input.native());
+                }
                 continue;
             }
             ::archive_entry* entry = nullptr;

@@ -37,14 +37,22 @@ ReaderSetup readerSetup(const ExtractOptions& options) {
 
 // libarchive's secure flags check the whole path, the output folder's own part included,
 // so a confined writer works on the folder's canonical form (no symbolic links, no "..").
+// Below the current folder it is taken relative to it: the checks then start there, as
+// they do for a tool that changes into the folder first, and cost one look per level less.
 HostPath canonicalFolder(const HostPath& folder) {
+    namespace fs = std::filesystem;
     std::error_code error;
-    const std::filesystem::path named =
-        folder.empty() ? std::filesystem::path(".") : folder.fsPath();
-    std::filesystem::path canonical =
-        std::filesystem::weakly_canonical(std::filesystem::absolute(named, error), error);
+    const fs::path named = folder.empty() ? fs::path(".") : folder.fsPath();
+    fs::path canonical = fs::weakly_canonical(fs::absolute(named, error), error);
     if (error) {
-        canonical = std::filesystem::absolute(named).lexically_normal();
+        canonical = fs::absolute(named).lexically_normal();
+    }
+    const fs::path current = fs::current_path(error);
+    if (!error) {
+        const fs::path below = canonical.lexically_relative(current);
+        if (!below.empty() && *below.begin() != "..") {
+            return HostPath(below);
+        }
     }
     return HostPath(canonical);
 }
@@ -146,7 +154,7 @@ std::vector<std::u16string> extractEntries(const std::u16string& archivePath,
                     continue;
                 }
             }
-            if (!writer->writeHeader(entry)) {
+            if (!writer->writeHeader(entry, std::nullopt, withOptions && !plan.targetExists)) {
                 archive_entry_clear(entry);
                 continue;
             }

@@ -1,86 +1,34 @@
 #include <host/DiagnosticLogger.hpp>
 
-#include <cstdlib>
-#include <string_view>
-
 #include <boost/log/attributes/constant.hpp>
 #include <boost/log/attributes/function.hpp>
+#include <boost/log/expressions/message.hpp>
 
+#include "DiagnosticLoggerState.hpp"
 #include "LogSinks.hpp"
 
 namespace tessel::host {
 
-namespace {
+thread_local int DiagnosticLogger::State::openingSeverity = 0;
 
-// The severity of the record being opened on this thread; the "Severity" attribute reads
-// it while the core opens the record, so concurrent loggers never see each other's value.
-thread_local int openingSeverity = 0;
+DiagnosticLogger::State::State(const std::string& channel)
+    : core(boost::log::core::get()),
+      messageName(boost::log::expressions::tag::message::get_name()) {
+    attributes.insert("Channel", boost::log::attributes::constant<std::string>(channel));
+    attributes.insert("Severity",
+                      boost::log::attributes::make_function([] { return openingSeverity; }));
+    pthread_rwlock_init(&lock, nullptr);
+}
 
-class WriteLock {
-  public:
-    explicit WriteLock(pthread_rwlock_t& lock) : lock_(lock) { pthread_rwlock_wrlock(&lock_); }
-    ~WriteLock() { pthread_rwlock_unlock(&lock_); }
-    WriteLock(const WriteLock&) = delete;
-    WriteLock& operator=(const WriteLock&) = delete;
-
-  private:
-    pthread_rwlock_t& lock_;
-};
-
-}  // namespace
-
-std::uint32_t parseLogLevels(const char* text) {
-    if (text == nullptr || *text == '\0') {
-        return DiagnosticLogger::AllLevels;
-    }
-    std::uint32_t mask = 0;
-    std::string_view rest(text);
-    while (!rest.empty()) {
-        const std::size_t comma = rest.find(',');
-        std::string_view item = rest.substr(0, comma);
-        rest = comma == std::string_view::npos ? std::string_view() : rest.substr(comma + 1);
-        while (!item.empty() && item.front() == ' ') {
-            item.remove_prefix(1);
-        }
-        while (!item.empty() && item.back() == ' ') {
-            item.remove_suffix(1);
-        }
-        for (const std::uint32_t level : {1u, 4u, 512u}) {
-            if (item == std::to_string(level)) {
-                mask |= level;
-            }
-        }
-    }
-    return mask;
+DiagnosticLogger::State::~State() {
+    pthread_rwlock_destroy(&lock);
 }
 
 DiagnosticLogger::DiagnosticLogger(std::string channel)
     : channel_(std::move(channel)),
-      core_(boost::log::core::get()),
-      mask_(parseLogLevels(std::getenv("TQARCHIVE_LOG_LEVELS"))) {
-    installHostSinksOnce();
-    attributes_.insert("Channel", boost::log::attributes::constant<std::string>(channel_));
-    attributes_.insert("Severity",
-                       boost::log::attributes::make_function([] { return openingSeverity; }));
-    pthread_rwlock_init(&lock_, nullptr);
-}
+      state_(std::make_unique<State>(channel_)),
+      mask_(installHostSinksOnce()) {}
 
-DiagnosticLogger::~DiagnosticLogger() {
-    pthread_rwlock_destroy(&lock_);
-}
-
-boost::log::record DiagnosticLogger::openRecord(int severity) {
-    if (!core_->get_logging_enabled()) {
-        return boost::log::record();
-    }
-    WriteLock guard(lock_);
-    lockCount_.fetch_add(1);
-    openingSeverity = severity;
-    return core_->open_record(attributes_);
-}
-
-void DiagnosticLogger::pushRecord(boost::log::record&& record) {
-    core_->push_record(std::move(record));
-}
+DiagnosticLogger::~DiagnosticLogger() = default;
 
 }  // namespace tessel::host

@@ -1,8 +1,8 @@
 #include <host/HostError.hpp>
 
-#include <cstdio>
-
 #include <host/WarningCapture.hpp>
+
+#include "StandardError.hpp"
 
 namespace tessel::host {
 
@@ -48,15 +48,13 @@ void issueHostWarning(const MessageIdError& warning) {
 }
 
 void issueHostWarning(const MessageIdError& warning, const std::string& overridingIdentifier) {
-    if (WarningCapture* capture = WarningCapture::current()) {
-        capture->record(IssuedWarning{overridingIdentifier, argumentTexts(warning)});
+    IssuedWarning issued{overridingIdentifier, argumentTexts(warning)};
+    if (WarningCapture::recordOnThisThread(issued)) {
         return;
     }
     // One write per warning, so lines from several threads do not interleave.
-    const std::string line =
-        "Warning: " + textFor(warning, overridingIdentifier) + " [" + overridingIdentifier + "]\n";
-    std::fwrite(line.data(), 1, line.size(), stderr);
-    std::fflush(stderr);
+    writeStandardError("Warning: " + textFor(warning, overridingIdentifier) + " [" +
+                       overridingIdentifier + "]\n");
 }
 
 }  // namespace tessel::host

@@ -77,8 +77,11 @@ HostPath HostPath::nativeForm() const {
     return *this;
 }
 
+// On this platform a path is absolute when it starts with the separator; the path
+// operations below work on the text itself, as std::filesystem defines them, without
+// building a std::filesystem::path for every entry of an archive.
 bool HostPath::isAbsolute() const {
-    return fsPath().is_absolute();
+    return !text_.empty() && text_.front() == u'/';
 }
 
 HostPath HostPath::absolute(const HostPath& base) const {
@@ -104,11 +107,20 @@ std::u16string HostPath::extension() const {
 }
 
 HostPath HostPath::relative() const {
-    return HostPath(fsPath().relative_path());
+    const std::size_t start = text_.find_first_not_of(u'/');
+    return HostPath(start == std::u16string::npos ? std::u16string() : text_.substr(start));
 }
 
 HostPath HostPath::operator/(const HostPath& other) const {
-    return HostPath(fsPath() / other.fsPath());
+    if (other.isAbsolute() || text_.empty()) {
+        return other;
+    }
+    std::u16string joined = text_;
+    if (joined.back() != u'/') {
+        joined.push_back(u'/');
+    }
+    joined += other.text_;
+    return HostPath(std::move(joined));
 }
 
 bool HostPath::exists() const {

@@ -137,6 +137,10 @@ std::string toUtf8(std::u16string_view text) {
     std::string out;
     out.reserve(text.size());
     for (std::size_t i = 0; i < text.size();) {
+        if (text[i] < 0x80) {  // most names are ASCII
+            out.push_back(static_cast<char>(text[i++]));
+            continue;
+        }
         const Unit16 unit = next16(text, i);
         switch (unit.kind) {
             case Unit16::CodePoint:
@@ -157,6 +161,10 @@ std::u16string fromUtf8(std::string_view text) {
     std::u16string out;
     out.reserve(text.size());
     for (std::size_t i = 0; i < text.size();) {
+        if (static_cast<unsigned char>(text[i]) < 0x80) {
+            out.push_back(static_cast<char16_t>(text[i++]));
+            continue;
+        }
         const Unit8 unit = next8(text, i);
         appendUtf16(out, unit.valid ? unit.value : char32_t(0xDC00 + unit.value));
     }

@@ -2,20 +2,23 @@
 #include <thread>
 
 #include <gtest/gtest.h>
-#include <boost/log/sources/record_ostream.hpp>
+#include <boost/log/core/core.hpp>
 
 #include <host/DiagnosticLogger.hpp>
+#include <host/DiagnosticLoggerRecords.hpp>
+#include <host/HostError.hpp>
 
+#include "ChildRoles.hpp"
 #include "archive/tests/support/LogCapture.hpp"
 #include "archive/tests/support/TestSupport.hpp"
 
 using tessel::host::DiagnosticLogger;
 
 bool logRecord(DiagnosticLogger& logger, int severity, const std::string& text) {
+    using tessel::host::DiagnosticLoggerRecords;
     boost::log::record record;
-    if (logger.enabled(severity) && (record = logger.openRecord(severity))) {
-        boost::log::record_ostream(record) << text;
-        logger.pushRecord(std::move(record));
+    if (logger.enabled(severity) && (record = DiagnosticLoggerRecords::open(logger, severity))) {
+        DiagnosticLoggerRecords::push(logger, std::move(record), text);
         return true;
     }
     return false;
@@ -23,6 +26,15 @@ bool logRecord(DiagnosticLogger& logger, int severity, const std::string& text) 
 
 // The capture listens to the library's channel only.
 const std::string kChannel = "tessel::io::archive::core";
+
+// The line standard error gets for a log setting that cannot be used.
+std::string notice(const std::string& mnemonic, const std::vector<std::string>& arguments) {
+    const std::string identifier = "TESSEL:host:" + mnemonic;
+    return "Warning: " +
+           tessel::host::lookupMessageUtf8(identifier, std::vector<tessel::host::MessageArgument>(
+                                                           arguments.begin(), arguments.end())) +
+           " [" + identifier + "]\n";
+}
 
 TEST(DiagnosticLogger, OpensRecordsOnlyForAListenerNeverWhenDisabledAndFromManyThreads) {
     if (std::getenv("TQARCHIVE_LOG") != nullptr) {
@@ -54,31 +66,83 @@ TEST(DiagnosticLogger, OpensRecordsOnlyForAListenerNeverWhenDisabledAndFromManyT
               std::make_pair(2400ul, 2401ul));
 }
 
-// main.cpp's "log" role writes a 512 ("first record") and a 1 record in a fresh process.
-TEST(DiagnosticLogger, FreshProcessAppendsStampedLinesOfTheEnabledLevelsToTheLogFileOrIsSilent) {
+// The "log" role writes a 512 ("first record") and a 1 record in a fresh process and makes
+// a second logger. Each unusable setting is told once on standard error; an invalid level
+// list then logs every level.
+TEST(DiagnosticLogger, FreshProcessAppendsStampedLinesOfTheEnabledLevelsOrTellsOnceWhatIsWrong) {
     tqtest::TempDir dir;
-    const std::string file = tqtest::shellQuote((dir / "diag.log").string());
+    const std::string file = (dir / "diag.log").string();
+    tqtest::fs::create_directories(dir / "folder");
+    const std::string fifo = (dir / "fifo").string();
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
     // Digits show as '#': a time stamp with microseconds, the severity, the channel, the text.
     const std::string first = "####-##-## ##:##:##.###### [###] " + kChannel + ": first record\n";
     const std::string second = "####-##-## ##:##:##.###### [#] " + kChannel + ": second record\n";
-    const std::pair<std::string, std::string> cases[] = {
-        {"", ""},
-        {"TQARCHIVE_LOG=" + file, first + second},
-        {"TQARCHIVE_LOG=" + file + " TQARCHIVE_LOG_LEVELS=512", first},
-        // Spaces around items and unknown items are ignored.
-        {"TQARCHIVE_LOG=" + file + " TQARCHIVE_LOG_LEVELS=' 1 ,bogus,4'", second},
-        // A log file that cannot be written never fails the caller.
-        {"TQARCHIVE_LOG=/nonexistent/folder/diag.log", ""},
+    const std::string logTo = "TQARCHIVE_LOG=" + tqtest::shellQuote(file) + " ";
+    const auto levels = [](const std::string& value) {
+        return notice("logLevelsInvalid", {value});
     };
-    const std::string role = "env -u TQARCHIVE_LOG -u TQARCHIVE_LOG_LEVELS TQHOST_TEST_ROLE=log ";
-    const std::string self = tqtest::shellQuote(std::filesystem::read_symlink("/proc/self/exe"));
-    for (const auto& [env, appended] : cases) {
+    const auto unusable = [](const std::string& path, const std::string& problem) {
+        return notice("logFileUnusable", {path, problem});
+    };
+    struct {
+        std::string environment;
+        std::string appended;  // to the log file
+        std::string standardError;
+    } cases[] = {
+        {"", "", ""},
+        {logTo, first + second, ""},
+        {logTo + "TQARCHIVE_LOG_LEVELS=512", first, ""},
+        {logTo + "TQARCHIVE_LOG_LEVELS=' 1 ,4'", second, ""},
+        {logTo + "TQARCHIVE_LOG_LEVELS=", first + second, ""},
+        {logTo + "TQARCHIVE_LOG_LEVELS='1;512'", first + second, levels("1;512")},
+        {logTo + "TQARCHIVE_LOG_LEVELS='1 4'", first + second, levels("1 4")},
+        {logTo + "TQARCHIVE_LOG_LEVELS=ALL", first + second, levels("ALL")},
+        {logTo + "TQARCHIVE_LOG_LEVELS=7", first + second, levels("7")},
+        {logTo + "TQARCHIVE_LOG_LEVELS=' 1 ,bogus,4'", first + second, levels(" 1 ,bogus,4")},
+        {logTo + "TQARCHIVE_LOG_LEVELS=1,,4", first + second, levels("1,,4")},
+        {"TQARCHIVE_LOG=/nonexistent/folder/diag.log", "",
+         unusable("/nonexistent/folder/diag.log", "cannot be opened (No such file or directory)")},
+        {"TQARCHIVE_LOG=" + tqtest::shellQuote((dir / "folder").string()), "",
+         unusable((dir / "folder").string(), "is a folder, not a regular file")},
+        // A FIFO nobody reads would block an open for writing for ever.
+        {"TQARCHIVE_LOG=" + tqtest::shellQuote(fifo), "",
+         unusable(fifo, "is a pipe, not a regular file")},
+        {"TQARCHIVE_LOG=/dev/null TQARCHIVE_LOG_LEVELS=4,5", "",
+         unusable("/dev/null", "is a character device, not a regular file") + levels("4,5")},
+    };
+    for (const auto& c : cases) {
         tqtest::writeFile(dir / "diag.log", "earlier line\n");
-        const auto child = tqtest::runCommand(role + env + " " + self);
-        EXPECT_EQ(std::make_pair(child.status, child.output), std::make_pair(0, std::string()));
+        const auto child = tqtest::runCommand(roleCommand("log", dir.path(), c.environment));
+        EXPECT_EQ(std::make_pair(child.status, child.output), std::make_pair(0, c.standardError))
+            << c.environment;
         std::string text = tqtest::readFile(dir / "diag.log");
         std::ranges::replace_if(
             text, [](char c) { return c >= '0' && c <= '9'; }, '#');
-        EXPECT_EQ(text, "earlier line\n" + appended) << env;
+        EXPECT_EQ(text, "earlier line\n" + c.appended) << c.environment;
     }
+}
+
+// A log file the host may not write: the user cannot create files in the folder.
+TEST(DiagnosticLogger, UnwritableLogFileIsToldOnceAndTheCallStillWorks) {
+    tqtest::TempDir dir;
+    tqtest::fs::permissions(dir.path(), tqtest::fs::perms(0755));
+    tqtest::fs::create_directories(dir / "locked");
+    tqtest::fs::permissions(dir / "locked", tqtest::fs::perms(0555));
+    tqtest::fs::create_directories(dir / "first");
+    tqtest::fs::create_directories(dir / "second");
+    tqtest::fs::permissions(dir / "first", tqtest::fs::perms(0777));
+    tqtest::fs::permissions(dir / "second", tqtest::fs::perms(0777));
+    tqtest::writeFile(dir / "in.txt", "kept as it was\n");
+    const std::string log = (dir / "locked/diag.log").string();
+    const std::string asNobody =
+        getuid() == 0 ? "setpriv --reuid=65534 --regid=65534 --clear-groups" : "";
+    const auto child = tqtest::runCommand(
+        roleCommand("calls", dir.path(), "TQARCHIVE_LOG=" + tqtest::shellQuote(log), asNobody));
+    EXPECT_EQ(child.output,
+              notice("logFileUnusable", {log, "cannot be opened (Permission denied)"}) +
+                  (dir / "first/in.txt.gz").string() + "\n" + (dir / "second/in.txt.gz").string() +
+                  "\n");
+    EXPECT_EQ(child.status, 0);
+    EXPECT_FALSE(tqtest::fs::exists(log));
 }

@@ -85,3 +85,50 @@ TEST(Warnings, InnermostCaptureOfTheCallingThreadRecords) {
     EXPECT_EQ(recorded(outer), (Texts{"TESSEL:io:archive:gunzip:notGzipFormat=/tmp/été.txt",
                                       "TESSEL:io:archive:extractArchive:internalError="}));
 }
+
+// Captures destroyed out of order, or on another thread than their own, leave their
+// thread's captures cleanly: the next warning goes to the innermost capture still alive,
+// or is printed. (The sanitizer build catches a capture that is used after it was freed.)
+TEST(Warnings, CapturesDestroyedOutOfOrderOrOnAnotherThreadLeaveCleanly) {
+    testing::internal::CaptureStderr();
+    auto outer = std::make_unique<WarningCapture>();
+    auto middle = std::make_unique<WarningCapture>();
+    auto inner = std::make_unique<WarningCapture>();
+    middle.reset();
+    kNotGzip.warn("TESSEL:to:inner");
+    EXPECT_EQ(recorded(*inner), Texts{"TESSEL:to:inner=/tmp/été.txt"});
+    inner.reset();
+    kNotGzip.warn("TESSEL:to:outer");
+    EXPECT_EQ(recorded(*outer), Texts{"TESSEL:to:outer=/tmp/été.txt"});
+    // Made on a thread that then ends; destroyed here. A thread started after it (which may
+    // get the ended thread's id) has no capture, so its warning is printed.
+    auto orphan = std::async(std::launch::async, [] {
+                      auto capture = std::make_unique<WarningCapture>();
+                      kNotGzip.warn("TESSEL:to:orphan");
+                      return capture;
+                  }).get();
+    std::async(std::launch::async, [] { kNotGzip.warn("TESSEL:printed:thread"); }).get();
+    EXPECT_EQ(recorded(*orphan), Texts{"TESSEL:to:orphan=/tmp/été.txt"});
+    // This thread's own capture destroyed on another thread.
+    std::async(std::launch::async, [&] { outer.reset(); }).get();
+    kNotGzip.warn("TESSEL:printed:main");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "Warning: " + kNotGzipText + " [TESSEL:printed:thread]\nWarning: " + kNotGzipText +
+                  " [TESSEL:printed:main]\n");
+}
+
+TEST(Warnings, EightThreadsEachRecordExactlyTheirOwn) {
+    std::vector<std::future<Texts>> threads;
+    for (int t = 0; t < 8; ++t) {
+        threads.push_back(std::async(std::launch::async, [t] {
+            WarningCapture own;
+            for (int i = 0; i < 200; ++i) {
+                MessageIdError("TESSEL:thread", std::to_string(t)).warn();
+            }
+            return recorded(own);
+        }));
+    }
+    for (int t = 0; t < 8; ++t) {
+        EXPECT_EQ(threads[t].get(), Texts(200, "TESSEL:thread:" + std::to_string(t) + "="));
+    }
+}

@@ -12,6 +12,7 @@ using tessel::host::hxArray;
 // null gets its own "TESSEL:host:expectedString" error from the read, never a crash.
 void compressgzBuiltin(int nlhs, hxOutput* plhs, int nrhs, const hxArray** prhs) {
     using namespace tessel::host;
+    checkBuiltinArrays(nlhs, plhs, nrhs, prhs);
     if (nlhs > 1) {
         errorTooManyOutputs();
     }
@@ -27,5 +28,7 @@ void compressgzBuiltin(int nlhs, hxOutput* plhs, int nrhs, const hxArray** prhs)
 
     const std::vector<std::u16string> written =
         tessel::io::archive::core::compressgz(files, outputFolder);
-    plhs[0].reset(createHostCell(written));
+    if (plhs != nullptr) {
+        plhs[0].reset(createHostCell(written));
+    }
 }

@@ -12,6 +12,7 @@ using tessel::host::hxArray;
 // password without its encryption method (or the reverse) is a caller mistake.
 void createArchiveBuiltin(int nlhs, hxOutput* plhs, int nrhs, const hxArray** prhs) {
     using namespace tessel::host;
+    checkBuiltinArrays(nlhs, plhs, nrhs, prhs);
     if (nlhs > 1) {
         errorTooManyOutputs();
     }
@@ -39,6 +40,9 @@ void createArchiveBuiltin(int nlhs, hxOutput* plhs, int nrhs, const hxArray** pr
                                                            password, encryptionMethod);
     }
 
-    // The slot is filled even when no output was requested: the host's answer variable.
-    plhs[0].reset(createHostCell(written));
+    // The slot is filled even when no output was requested (the host's answer variable),
+    // if the host gave one.
+    if (plhs != nullptr) {
+        plhs[0].reset(createHostCell(written));
+    }
 }

@@ -11,6 +11,7 @@ using tessel::host::hxArray;
 void extractArchiveBuiltin(int nlhs, hxOutput* plhs, int nrhs, const hxArray** prhs) {
     using namespace tessel::host;
     namespace core = tessel::io::archive::core;
+    checkBuiltinArrays(nlhs, plhs, nrhs, prhs);
     if (nlhs > 1) {
         errorTooManyOutputs();
     }
@@ -44,5 +45,7 @@ void extractArchiveBuiltin(int nlhs, hxOutput* plhs, int nrhs, const hxArray** p
         }
     }
 
-    plhs[0].reset(createHostCell(written));
+    if (plhs != nullptr) {
+        plhs[0].reset(createHostCell(written));
+    }
 }

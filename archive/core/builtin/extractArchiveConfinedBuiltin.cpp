@@ -13,6 +13,7 @@ using tessel::host::hxArray;
 void extractArchiveConfinedBuiltin(int nlhs, hxOutput* plhs, int nrhs, const hxArray** prhs) {
     using namespace tessel::host;
     namespace core = tessel::io::archive::core;
+    checkBuiltinArrays(nlhs, plhs, nrhs, prhs);
     if (nlhs > 1) {
         errorTooManyOutputs();
     }

@@ -11,6 +11,7 @@ using tessel::host::hxArray;
 void testArchiveBuiltin(int nlhs, hxOutput* plhs, int nrhs, const hxArray** prhs) {
     using namespace tessel::host;
     namespace core = tessel::io::archive::core;
+    checkBuiltinArrays(nlhs, plhs, nrhs, prhs);
     if (nlhs > 1) {
         errorTooManyOutputs();
     }

@@ -9,6 +9,7 @@ using tessel::host::hxArray;
 // meaning the output folder argument names the output file itself).
 void uncompressgzBuiltin(int nlhs, hxOutput* plhs, int nrhs, const hxArray** prhs) {
     using namespace tessel::host;
+    checkBuiltinArrays(nlhs, plhs, nrhs, prhs);
     if (nlhs > 1) {
         errorTooManyOutputs();
     }
@@ -27,5 +28,7 @@ void uncompressgzBuiltin(int nlhs, hxOutput* plhs, int nrhs, const hxArray** prh
 
     const std::vector<std::u16string> written =
         tessel::io::archive::core::uncompressgz(files, outputFolder, exactOutputPath);
-    plhs[0].reset(createHostCell(written));
+    if (plhs != nullptr) {
+        plhs[0].reset(createHostCell(written));
+    }
 }

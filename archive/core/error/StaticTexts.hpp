@@ -4,7 +4,8 @@
 
 namespace tessel::io::archive::core {
 
-// Texts shared by the status checks, initialised once on first use.
+// Texts shared by the status checks, initialised once on first use and never destroyed:
+// a failure in a call made while the process exits still reads them.
 const std::string& libarchiveMessagePrefix();  // "[LIBARCHIVE_MESSAGE]: "
 const std::string& fallbackText0();            // ""
 const std::string& fallbackText1();            // archive_error_string returned NULL

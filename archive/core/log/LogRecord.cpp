@@ -5,18 +5,15 @@
 #include <string>
 #include <utility>
 
+#include <host/DiagnosticLoggerRecords.hpp>
 #include <host/TextConversion.hpp>
 
 namespace tessel::io::archive::core {
 
 LogRecord::LogRecord(tessel::host::DiagnosticLogger& logger, std::uint32_t level)
     : logger_(logger),
-      record_(logger.openRecord(static_cast<int>(level))),
-      uncaughtAtOpen_(std::uncaught_exceptions()) {
-    if (record_) {
-        stream_.attach_record(record_);
-    }
-}
+      record_(tessel::host::DiagnosticLoggerRecords::open(logger, static_cast<int>(level))),
+      uncaughtAtOpen_(std::uncaught_exceptions()) {}
 
 LogRecord::~LogRecord() {
     if (!record_) {
@@ -25,12 +22,10 @@ LogRecord::~LogRecord() {
     // A record composed while a new exception was unwinding through the statement is
     // incomplete: drop it rather than push half a line.
     if (std::uncaught_exceptions() > uncaughtAtOpen_) {
-        stream_.detach_from_record();
         return;
     }
     stream_.flush();
-    stream_.detach_from_record();
-    logger_.pushRecord(std::move(record_));
+    tessel::host::DiagnosticLoggerRecords::push(logger_, std::move(record_), std::move(message_));
 }
 
 void LogRecord::write(const char* data, std::size_t size) {

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include <boost/log/core/record.hpp>
-#include <boost/log/sources/record_ostream.hpp>
+#include <boost/log/utility/formatting_ostream.hpp>
 
 #include <archive/core/log/diagnosticLogger.hpp>
 #include <host/DiagnosticLogger.hpp>
@@ -15,8 +15,10 @@
 namespace tessel::io::archive::core {
 
 // One record of the diagnostic channel, open while it is composed. Pieces are written
-// one after another with no separator. Destruction pushes the record, or drops it when
-// an exception began while it was being composed.
+// one after another with no separator into the record's formatting stream, which writes
+// to a text of its own (not to the record, whose message attribute Boost.Log names
+// through a registry that is gone while the process exits). Destruction pushes the
+// record with the text, or drops it when an exception began while it was being composed.
 class LogRecord {
   public:
     LogRecord(tessel::host::DiagnosticLogger& logger, std::uint32_t level);
@@ -46,7 +48,8 @@ class LogRecord {
   private:
     tessel::host::DiagnosticLogger& logger_;
     boost::log::record record_;
-    boost::log::record_ostream stream_;
+    std::string message_;
+    boost::log::formatting_ostream stream_{message_};
     int uncaughtAtOpen_;
 };
 

@@ -123,11 +123,11 @@ ArchiveDiskWriter::~ArchiveDiskWriter() {
 }
 
 bool ArchiveDiskWriter::writeHeader(::archive_entry* entry,
-                                    std::optional<ArchiveFormat> strictFormat) {
+                                    std::optional<ArchiveFormat> strictFormat, bool targetAbsent) {
     currentEntryPath_.reset();
     tessel::host::HostPath path = entryPath(entry);
 
-    if (const PathProblem problem = checkOverwritable(path)) {
+    if (const PathProblem problem = targetAbsent ? std::nullopt : checkOverwritable(path)) {
         if (isStrictGz(strictFormat)) {
             throwArchiveErrorWithMessage(*problem, path.native());
         }
@@ -186,19 +186,25 @@ std::u16string ArchiveDiskWriter::shown(std::u16string path) const {
     if (!setup_.shownFolder) {
         return path;
     }
+    const char16_t separator = tessel::host::HostPath::separator();
     const std::u16string& folder = outputFolder_.native();
-    if (!path.starts_with(folder) || path.size() <= folder.size() ||
-        path[folder.size()] != tessel::host::HostPath::separator()) {
+    // The path below the folder the writer works on ("." writes relative paths).
+    std::u16string below;
+    if (folder == u".") {
+        below = std::move(path);
+    } else if (path.size() > folder.size() && path.starts_with(folder) &&
+               path[folder.size()] == separator) {
+        below = path.substr(folder.size() + 1);
+    } else {
         return path;
     }
     // "" and "." name the current folder: its entries are listed relative, as without
     // confinement.
     const std::u16string& name = *setup_.shownFolder;
     if (name.empty() || name == u".") {
-        return path.substr(folder.size() + 1);
+        return below;
     }
-    const bool hasSeparator = name.back() == tessel::host::HostPath::separator();
-    return name + path.substr(folder.size() + (hasSeparator ? 1 : 0));
+    return name.back() == separator ? name + below : name + separator + below;
 }
 
 void ArchiveDiskWriter::abandonReplacement() {

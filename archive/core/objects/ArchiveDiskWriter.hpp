@@ -46,8 +46,11 @@ class ArchiveDiskWriter {
     // Starts the entry at its pathname (already the full on-disk path). false: the entry
     // is to be skipped, its warning issued. With the strict format Gz every refusal
     // raises instead.
+    // targetAbsent: the caller has just seen that nothing is at the path, so there is
+    // nothing whose permissions to check.
     bool writeHeader(::archive_entry* entry,
-                     std::optional<ArchiveFormat> strictFormat = std::nullopt);
+                     std::optional<ArchiveFormat> strictFormat = std::nullopt,
+                     bool targetAbsent = false);
 
     // libarchive's status; a full disk raises DiskSpaceFull.
     int writeDataBlock(const void* buffer, std::size_t size, la_int64_t offset);

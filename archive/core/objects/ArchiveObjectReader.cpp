@@ -26,16 +26,15 @@ namespace {
     return handle;
 }
 
-// A status that cannot be read (access denied) is left to nextHeader, which tells it apart.
-bool pathExists(const HostPath& path) {
+}  // namespace
+
+bool ArchiveObjectReader::exists() const {
     try {
-        return path.exists();
+        return path_.exists();
     } catch (const tessel::host::FileSystemError&) {
-        return true;
+        return true;  // there, but its status cannot be read: nextHeader tells that apart
     }
 }
-
-}  // namespace
 
 void ArchiveObjectReader::ReadHandleCloser::operator()(::archive* handle) const noexcept {
     archive_read_close(handle);
@@ -50,11 +49,6 @@ ArchiveObjectReader::ArchiveObjectReader(HostPath path, const ArchiveFormat& for
     }
     if (archive_read_disk_open(handle_.get(), path_.access().c_str()) != ARCHIVE_OK) {
         throwArchiveError(NullArchiveRule::CouldNotOpenFile, handle_.get());
-    }
-    // libarchive only looks at the path when the first header is read; a path that is not
-    // there fails here, so that it fails the call whatever entry name it was given.
-    if (!pathExists(path_)) {
-        throwArchiveErrorWithMessage(NullArchiveRule::CouldNotOpenFile, path_.native());
     }
     ARCHIVE_LOG(LogOpen) << "Opened file on disk for reading-->" << path_;
 }

@@ -29,6 +29,10 @@ class ArchiveObjectReader {
     // the end was reached. The entry belongs to this reader.
     bool nextHeader(::archive_entry** entry);
 
+    // Whether the path is there at all. libarchive looks only when the first header is
+    // read, so an input that is never read (one without an entry name) is asked this.
+    bool exists() const;
+
     // The entry's pathname as a native path (empty for an empty pathname).
     static tessel::host::HostPath entryPathname(::archive_entry* entry);
 

@@ -28,20 +28,19 @@ class SourceFile {
     SourceFile(const SourceFile&) = delete;
     SourceFile& operator=(const SourceFile&) = delete;
 
-    // Up to size bytes; 0 at the end, and for a source that cannot be opened or read.
+    // Up to size bytes, as one read gives them; 0 at the end, and for a source that
+    // cannot be opened or read.
     std::streamsize read(char* into, std::size_t size) {
-        std::size_t got = 0;
-        while (fd_ >= 0 && got < size) {
-            const ssize_t n = ::read(fd_, into + got, size - got);
+        if (fd_ < 0) {
+            return 0;
+        }
+        for (;;) {
+            const ssize_t n = ::read(fd_, into, size);
             if (n < 0 && errno == EINTR) {
                 continue;
             }
-            if (n <= 0) {
-                break;
-            }
-            got += static_cast<std::size_t>(n);
+            return n < 0 ? 0 : static_cast<std::streamsize>(n);
         }
-        return static_cast<std::streamsize>(got);
     }
 
   private:

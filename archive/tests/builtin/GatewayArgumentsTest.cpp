@@ -59,6 +59,51 @@ TEST(GatewayCounts, OutputsThenTooManyThenTooFewInputsAllBeforeAnyInputIsRead) {
     }
 }
 
+// Argument arrays a host failed to pass are refused before the count checks and before any
+// work; with no output asked for, a missing output array is fine and nothing is stored.
+TEST(GatewayArrays, MissingArraysAreRefusedFirstAndNoOutputArrayStoresNothing) {
+    TempDir dir;
+    writeFile(dir / "in.txt", "kept");
+    const fs::path gz = dir / "in.txt.gz";
+    struct {
+        int nlhs;
+        bool outputArray;
+        int nrhs;
+        bool inputArray;
+        std::string error;  // with its one argument, the count it was about
+    } runs[] = {
+        {.nlhs = 1, .outputArray = false, .nrhs = 2, .inputArray = true, .error = "nullOutputs 1"},
+        {.nlhs = 2, .outputArray = false, .nrhs = 9, .inputArray = false, .error = "nullOutputs 2"},
+        {.nlhs = 0, .outputArray = true, .nrhs = 2, .inputArray = false, .error = "nullInputs 2"},
+        {.nlhs = 2, .outputArray = true, .nrhs = 9, .inputArray = false, .error = "nullInputs 9"},
+        // Nothing announced, nothing needed: the count checks speak.
+        {.nlhs = 0, .outputArray = false, .nrhs = 0, .inputArray = false, .error = "tooFewInputs"},
+    };
+    for (const Gateway gateway :
+         {createArchiveBuiltin, extractArchiveBuiltin, compressgzBuiltin, uncompressgzBuiltin}) {
+        for (const auto& run : runs) {
+            // Inputs that would make compressgzBuiltin write in.txt.gz, and the others fail
+            // on a type (the third input is no text and no logical) were they read.
+            Inputs inputs{list({(dir / "in.txt").string()}), text(""), createHostDouble(1)};
+            hxOutput slot(text("before"));
+            const auto raised = raisedBy([&] {
+                gateway(run.nlhs, run.outputArray ? &slot : nullptr, run.nrhs,
+                        run.inputArray ? inputs.raw.data() : nullptr);
+            });
+            const std::string seen = !raised ? ""
+                                     : raised->arguments.empty()
+                                         ? raised->identifier
+                                         : raised->identifier + " " + raised->arguments.at(0);
+            EXPECT_EQ(seen, "TESSEL:host:" + run.error) << run.nlhs << " " << run.nrhs;
+            EXPECT_EQ(readHostString(slot.get()), u"before");
+            EXPECT_FALSE(fs::exists(gz));
+        }
+    }
+    Inputs inputs{list({(dir / "in.txt").string()}), text("")};
+    EXPECT_FALSE(raisedBy([&] { compressgzBuiltin(0, nullptr, 2, inputs.raw.data()); }));
+    EXPECT_EQ(runCommand("gzip -dc " + shellQuote(gz.string())).output, "kept");
+}
+
 TEST(GatewayInputs, WrongTypesAndFiveCreateInputsGiveIdentifiedErrorsAndNoOutput) {
     TempDir dir;
     writeFile(dir / "a.txt", "a");

@@ -266,8 +266,11 @@ TEST(CreateLog, RecordsOfARelativeArchiveAndOfAFailure) {
               "to create a password-protected archive-->aes256; 4 Opened archive file for "
               "creating destination archive on disk-->@/out.zip; 4 Opened file on disk for "
               "reading-->in/é.txt; 1 Read entry from file on disk-->in/é.txt; 1 Wrote entry to "
-              "destination archive-->entry 日.txt; 512 [INTERNAL ERROR MESSAGE]: [archive_err]: "
-              "Could not open file.; 4 Opened file on disk for reading-->locked; 4 Opened "
+              "destination archive-->entry 日.txt; 4 Opened file on disk for reading-->gone; 4 "
+              "Opened archive file for creating destination archive on disk-->@/gone.gz; 512 "
+              "[INTERNAL ERROR MESSAGE]: [archive_err]: Invalid entry in archive header.; 1 "
+              "Successfully deleted archive file from disk-->@/gone.gz; 4 Opened file on disk "
+              "for reading-->locked; 4 Opened "
               "archive file for creating destination archive on disk-->@/locked.gz; 512 "
               "[INTERNAL ERROR MESSAGE]: [archive_err]: Unknown error. This should not be hit. "
               "Zorp it!; 1 Successfully deleted archive file from disk-->@/locked.gz; ");

@@ -5,7 +5,7 @@
 #include <boost/log/sinks/basic_sink_backend.hpp>
 
 #include <archive/core/log/diagnosticLogger.hpp>
-#include <host/DiagnosticLogger.hpp>
+#include <host/LogAttributes.hpp>
 
 namespace tqtest {
 
