@@ -6,6 +6,7 @@
 #include <archive/core/archivecore.hpp>
 #include <host/TextConversion.hpp>
 
+#include "BackgroundStreamCheck.hpp"
 #include "CliMessages.hpp"
 #include "Commands.hpp"
 #include "InterruptFlag.hpp"
@@ -33,6 +34,7 @@ core::ExtractOptions extractOptions(const CommandLine& commandLine) {
         options.restrictPermissions = false;
     }
     options.keepExisting = commandLine.keepExisting;
+    options.gzipCheck = BackgroundStreamCheck::factory();
     for (auto entry = commandLine.operands.begin() + 1; entry != commandLine.operands.end();
          ++entry) {
         options.select.push_back(fromFileSystemText(*entry));

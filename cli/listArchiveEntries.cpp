@@ -14,7 +14,9 @@ namespace core = tessel::io::archive::core;
 int listArchiveEntries(const CommandLine& commandLine) {
     // The listing is the output: no progress line or name list beside it.
     ProgressReporter reporter(true, false);
-    const core::ExtractOptions options = readingOptions(commandLine, reporter);
+    core::ExtractOptions options = readingOptions(commandLine, reporter);
+    // Zip records no compressed size that libarchive reports; the long forms measure it.
+    options.measureCompressedSizes = commandLine.verbose || commandLine.json;
     const EntryLine::Style style = commandLine.json      ? EntryLine::Style::Json
                                    : commandLine.verbose ? EntryLine::Style::Long
                                                          : EntryLine::Style::Name;

@@ -7,6 +7,7 @@
 
 #include <host/TextConversion.hpp>
 
+#include "BackgroundStreamCheck.hpp"
 #include "CliMessages.hpp"
 #include "PasswordSource.hpp"
 
@@ -29,6 +30,7 @@ core::ExtractOptions readingOptions(const CommandLine& commandLine, ProgressRepo
         options.inputDescriptor = STDIN_FILENO;
     }
     options.progress = reporter.callback();
+    options.gzipCheck = BackgroundStreamCheck::factory();
     return options;
 }
 

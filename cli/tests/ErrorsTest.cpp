@@ -24,6 +24,12 @@ TEST(BadInput, ExitStatus1AnIdentifiedErrorAndNothingWritten) {
               " zip -q s.zip plain.txt --password right && gzip -c plain.txt > noext && "
               "tar -czf t.tgz a b plain.txt && head -c 100 t.tgz > trunc.tgz && chmod 777 work "
               "&& chmod -R o+rX .");
+    // One flipped byte inside the stored data of a tgz: only the gzip trailer tells.
+    writeFile(dir / "r.bin", randomBytes(100000));
+    shell(dir.path(), "tar -czf flipped.tgz r.bin && chmod o+r flipped.tgz");
+    std::string flipped = readFile(dir / "flipped.tgz");
+    flipped[60000] = static_cast<char>(flipped[60000] ^ 0xff);
+    writeFile(dir / "flipped.tgz", flipped);
     const std::string nobody = "setpriv --reuid=65534 --regid=65534 --clear-groups";
     if (!toolAvailable("setpriv") || tqarchive(dir.path(), "--version", nobody).status != 0) {
         GTEST_SKIP() << "setpriv is missing or the built program cannot be run as nobody";
@@ -34,6 +40,7 @@ TEST(BadInput, ExitStatus1AnIdentifiedErrorAndNothingWritten) {
         {"unzip ../plain.txt", archive + "unzip:invalidZipFile"},
         {"untar ../plain.txt", archive + "untar:invalidTarFile"},
         {"untar ../trunc.tgz -d out", archive + "untar:invalidTarFile"},
+        {"untar ../flipped.tgz -d out", archive + "untar:invalidTarFile"},
         {"unzip ../s.zip --password wrong", archive + "extractArchive:incorrectPassword"},
         {"unzip ../s.zip", archive + "extractArchive:unableToWrite"},
         {"zip a.zip missing.txt -C ..", "tqarchive:inputNotFound"},

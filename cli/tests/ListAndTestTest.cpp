@@ -56,6 +56,13 @@ TEST(List, NamesInArchiveOrderLongFormAndJsonForScripts) {
 print(repr(json.loads(sys.stdin.readline())['name']))")x";
     EXPECT_EQ(sh(dir.path(), make + program() + read), R"x('q"\\\n.txt')x"
                                                        "\n");
+    // The compressed size of a zip entry, as Info-ZIP reports it.
+    shell(dir.path(), "seq 1 1000 > n.txt && zip -q n.zip n.txt");
+    const std::string compressed = sh(dir.path(), "unzip -v n.zip | awk 'NR == 4 { print $3 }'");
+    EXPECT_NE(tqarchive(dir.path(), "list n.zip -v")
+                  .output.find("         3893 " + std::string(13 - compressed.size(), ' ') +
+                               compressed.substr(0, compressed.size() - 1) + " "),
+              std::string::npos);
     const auto encrypted = tqarchive(dir.path(), "list s.zip -v");
     EXPECT_TRUE(encrypted.output.find(" 6 ") != std::string::npos &&
                 encrypted.output.ends_with(" encrypted s.txt\n"))
