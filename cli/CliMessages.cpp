@@ -1,6 +1,6 @@
 #include "CliMessages.hpp"
 
-#include <host/MessageIdError.hpp>
+#include <cstdio>
 
 namespace tqarchive {
 
@@ -21,6 +21,14 @@ void issueWarning(const char* mnemonic, std::vector<MessageArgument> arguments) 
 
 bool isUsageError(const tessel::host::HostError& error) {
     return error.GetBaseMsgIDObj().component() == kUsageComponent;
+}
+
+void printError(const MessageIdError& error) {
+    const std::string line =
+        "Error: " + tessel::host::lookupMessageUtf8(error.identifier(), error.arguments()) + " [" +
+        error.identifier() + "]\n";
+    std::fwrite(line.data(), 1, line.size(), stderr);
+    std::fflush(stderr);
 }
 
 }  // namespace tqarchive

@@ -5,6 +5,7 @@
 
 #include <host/HostError.hpp>
 #include <host/MessageArgument.hpp>
+#include <host/MessageIdError.hpp>
 
 namespace tqarchive {
 
@@ -20,5 +21,8 @@ inline constexpr const char* kUsageComponent = "tqarchive:usage";
 void issueWarning(const char* mnemonic, std::vector<tessel::host::MessageArgument> arguments);
 
 bool isUsageError(const tessel::host::HostError& error);
+
+// "Error: TEXT [IDENTIFIER]" on standard error, for an error reported without ending the run.
+void printError(const tessel::host::MessageIdError& error);
 
 }  // namespace tqarchive

@@ -1,10 +1,12 @@
 #include "CommandLine.hpp"
 
+#include <CLI/CLI.hpp>
+
 #include <algorithm>
-#include <array>
-#include <string_view>
 
 #include "CliMessages.hpp"
+#include "CommandDocs.hpp"
+#include "nearestOption.hpp"
 
 namespace tqarchive {
 
@@ -12,246 +14,233 @@ namespace {
 
 using namespace std::string_literals;
 
-enum class Option {
-    Root,
-    Output,
-    Password,
-    PasswordFile,
-    Encryption,
-    Log,
-    Quiet,
-    UnsafePaths,
-    Help,
-    Version
-};
+// What a bare --password leaves as its value: no command line can hold a NUL character,
+// so this tells "ask on the terminal" apart from any password typed, the empty one included.
+const std::string kPromptMarker("\0prompt", 7);
 
-struct OptionSpelling {
-    std::string_view name;
-    Option option;
-    bool takesValue;
-};
-
-constexpr std::array kOptions{
-    OptionSpelling{"-C", Option::Root, true},
-    OptionSpelling{"-d", Option::Output, true},
-    OptionSpelling{"--password", Option::Password, false},  // value optional, handled apart
-    OptionSpelling{"--password-file", Option::PasswordFile, true},
-    OptionSpelling{"--encryption", Option::Encryption, true},
-    OptionSpelling{"--log", Option::Log, true},
-    OptionSpelling{"--quiet", Option::Quiet, false},
-    OptionSpelling{"-q", Option::Quiet, false},
-    OptionSpelling{"--unsafe-paths", Option::UnsafePaths, false},
-    OptionSpelling{"--help", Option::Help, false},
-    OptionSpelling{"-h", Option::Help, false},
-    OptionSpelling{"--version", Option::Version, false},
-};
-
-constexpr std::array<std::string_view, 6> kCommands{"zip",   "tar",  "unzip",
-                                                    "untar", "gzip", "gunzip"};
-
-// Which command-specific options each command takes; the global ones (--log, --quiet,
-// --help, --version) go with every command.
-bool commandTakes(const std::string& command, Option option) {
-    switch (option) {
-        case Option::Root:
-            return command == "zip" || command == "tar";
-        case Option::Output:
-            return command == "unzip" || command == "untar" || command == "gzip" ||
-                   command == "gunzip";
-        case Option::Password:
-        case Option::PasswordFile:
-            return command == "zip" || command == "unzip";
-        case Option::Encryption:
-            return command == "zip";
-        case Option::UnsafePaths:
-            return command == "unzip" || command == "untar";
-        case Option::Log:
-        case Option::Quiet:
-        case Option::Help:
-        case Option::Version:
-            return true;
-    }
-    return false;
+// The options a command does not take are not defined for it: the parser leaves them over
+// as extras, and refuseOption says why.
+void configure(CLI::App& app) {
+    app.set_help_flag();
+    app.allow_extras();
 }
 
-struct PendingOption {
-    Option option;
-    std::string spelling;
-};
+void addFlag(CLI::App& app, const OptionDoc& option, bool& target) {
+    app.add_flag(option.names, target)->disable_flag_override();
+}
 
-class Parser {
-  public:
-    explicit Parser(const std::vector<std::string>& arguments) : arguments_(arguments) {}
-
-    CommandLine run() {
-        std::vector<PendingOption> seen;
-        bool optionsEnded = false;
-        while (at_ < arguments_.size()) {
-            const std::string& argument = arguments_[at_++];
-            if (!optionsEnded && argument == "--") {
-                optionsEnded = true;
-            } else if (!optionsEnded && argument.size() > 1 && argument[0] == '-') {
-                seen.push_back(option(argument));
-            } else if (result_.command.empty()) {
-                command(argument);
-            } else {
-                result_.operands.push_back(argument);
+void addOption(CLI::App& app, OptionId id, CommandLine& result, std::string& levelText) {
+    const OptionDoc& option = CommandDocs::option(id);
+    switch (id) {
+        case OptionId::Root:
+            app.add_option(option.names, result.rootFolder);
+            break;
+        case OptionId::Output:
+            app.add_option(option.names, result.outputFolder);
+            break;
+        case OptionId::Password:
+            app.add_option(option.names, result.password)
+                ->expected(0, 1)
+                ->default_str(kPromptMarker);
+            break;
+        case OptionId::PasswordFile:
+            app.add_option(option.names, result.passwordFile);
+            break;
+        case OptionId::Encryption:
+            app.add_option(option.names, result.encryption);
+            break;
+        case OptionId::Exclude:
+            app.add_option(option.names, result.excludes)->allow_extra_args(false);
+            break;
+        case OptionId::Level:
+            // The last of -0 ... -9 and --level given wins, so each sets it when parsed.
+            for (char digit = '0'; digit <= '9'; ++digit) {
+                app.add_flag_callback(std::string("-") + digit,
+                                      [&levelText, digit] { levelText = std::string(1, digit); })
+                    ->trigger_on_parse()
+                    ->disable_flag_override();
             }
-        }
-        if (result_.help || result_.version) {
-            return result_;
-        }
-        if (result_.command.empty()) {
-            raiseUsageError("missingCommand");
-        }
-        for (const PendingOption& pending : seen) {
-            if (!commandTakes(result_.command, pending.option)) {
-                raiseUsageError("optionNotAllowed", {pending.spelling, result_.command});
-            }
-        }
-        checkCombinations();
-        checkOperands();
-        return result_;
+            app.add_option(option.names, levelText)->trigger_on_parse();
+            break;
+        case OptionId::Format:
+            app.add_option(option.names, result.format);
+            break;
+        case OptionId::Stdout:
+            addFlag(app, option, result.toStdout);
+            break;
+        case OptionId::KeepExisting:
+            addFlag(app, option, result.keepExisting);
+            break;
+        case OptionId::PreservePermissions:
+            addFlag(app, option, result.preservePermissions);
+            break;
+        case OptionId::UnsafePaths:
+            addFlag(app, option, result.unsafePaths);
+            break;
+        case OptionId::Json:
+            addFlag(app, option, result.json);
+            break;
+        case OptionId::Log:
+            app.add_option(option.names, result.logFile);
+            break;
+        case OptionId::Quiet:
+            addFlag(app, option, result.quiet);
+            break;
+        case OptionId::Verbose:
+            addFlag(app, option, result.verbose);
+            break;
+        case OptionId::Help:
+            addFlag(app, option, result.help);
+            break;
+        case OptionId::Version:
+            addFlag(app, option, result.version);
+            break;
     }
+}
 
-  private:
-    void command(const std::string& word) {
-        if (std::find(kCommands.begin(), kCommands.end(), word) == kCommands.end()) {
-            raiseUsageError("unknownCommand", {word});
-        }
-        result_.command = word;
+// The option part of an argument as typed: "--name" of "--name=value", "-x" of "-xvalue".
+std::string optionName(const std::string& argument) {
+    if (argument.starts_with("--")) {
+        return argument.substr(0, argument.find('='));
     }
+    return argument.substr(0, 2);
+}
 
-    PendingOption option(const std::string& argument) {
-        // "--name=value" and "-Xvalue" carry their value; otherwise it is the next argument.
-        std::string name = argument;
-        std::optional<std::string> attached;
-        if (argument.rfind("--", 0) == 0) {
-            if (const auto equals = argument.find('='); equals != std::string::npos) {
-                name = argument.substr(0, equals);
-                attached = argument.substr(equals + 1);
-            }
-        } else if (argument.size() > 2) {
-            name = argument.substr(0, 2);
-            attached = argument.substr(2);
-        }
-        const auto found = std::find_if(kOptions.begin(), kOptions.end(),
-                                        [&](const OptionSpelling& o) { return o.name == name; });
-        if (found == kOptions.end()) {
-            raiseUsageError("unknownOption", {argument});
-        }
-        if (found->option == Option::Password) {
-            password(attached);
-            return {found->option, name};
-        }
-        if (!found->takesValue && attached) {
-            raiseUsageError("unexpectedValue", {name});
-        }
-        std::string value;
-        if (found->takesValue) {
-            if (attached) {
-                value = *attached;
-            } else if (at_ < arguments_.size()) {
-                value = arguments_[at_++];
-            } else {
-                raiseUsageError("missingValue", {name});
+[[noreturn]] void refuseOption(const std::string& argument, const std::string& command) {
+    const std::string name = optionName(argument);
+    if (name == "-C" && (command == "unzip" || command == "untar")) {
+        raiseUsageError("extractUsesD", {command});
+    }
+    for (const CommandDoc& other : CommandDocs::commands()) {
+        for (const OptionUse& use : other.options) {
+            const auto names = CommandDocs::spellings(CommandDocs::option(use.id));
+            if (!command.empty() && std::find(names.begin(), names.end(), name) != names.end()) {
+                raiseUsageError("optionNotAllowed", {name, command});
             }
         }
-        store(found->option, std::move(value));
-        return {found->option, name};
     }
+    if (const auto near = nearestOption(name, command)) {
+        raiseUsageError("unknownOptionNear", {name, *near});
+    }
+    raiseUsageError("unknownOption", {name});
+}
 
-    // "--password=P" and "--password P" give the password; a bare "--password" (last, or
-    // followed by another option) asks for it on the terminal.
-    void password(const std::optional<std::string>& attached) {
-        result_.password.reset();
-        result_.promptForPassword = false;
-        if (attached) {
-            result_.password = *attached;
-        } else if (at_ < arguments_.size() && !arguments_[at_].starts_with("-")) {
-            result_.password = arguments_[at_++];
+// Parses the arguments (in order) into the app and refuses what is left over; returns the
+// arguments left over that are not options (the command and its arguments, for the
+// program's own part of the line).
+std::vector<std::string> parseInto(CLI::App& app, const std::vector<std::string>& arguments,
+                                   const std::string& command) {
+    std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
+    try {
+        app.parse(reversed);
+    } catch (const CLI::ArgumentMismatch& error) {
+        const std::string what = error.what();
+        if (what.ends_with("disallowed flag override")) {
+            const std::string name = what.substr(0, what.find(' '));
+            raiseUsageError("unexpectedValue", {(name.size() == 1 ? "-" : "--") + name});
+        }
+        raiseUsageError("missingValue", {what.substr(0, what.find(':'))});
+    }
+    std::vector<std::string> rest;
+    bool optionsEnded = false;
+    for (const std::string& argument : app.remaining()) {
+        if (rest.empty() && !optionsEnded && argument == "--") {
+            optionsEnded = true;
+        } else if (rest.empty() && !optionsEnded && argument.size() > 1 && argument[0] == '-') {
+            refuseOption(argument, command);
         } else {
-            result_.promptForPassword = true;
+            rest.push_back(argument);
         }
     }
+    return rest;
+}
 
-    void store(Option option, std::string value) {
-        switch (option) {
-            case Option::Root:
-                result_.rootFolder = std::move(value);
-                break;
-            case Option::Output:
-                result_.outputFolder = std::move(value);
-                break;
-            case Option::PasswordFile:
-                result_.passwordFile = std::move(value);
-                break;
-            case Option::Encryption:
-                result_.encryption = std::move(value);
-                break;
-            case Option::Log:
-                result_.logFile = std::move(value);
-                break;
-            case Option::Quiet:
-                result_.quiet = true;
-                break;
-            case Option::UnsafePaths:
-                result_.unsafePaths = true;
-                break;
-            case Option::Help:
-                result_.help = true;
-                break;
-            case Option::Version:
-                result_.version = true;
-                break;
-            case Option::Password:
-                break;
-        }
+void checkCombinations(const CommandLine& line, const std::string& levelText) {
+    if ((line.password || line.promptForPassword) && line.passwordFile) {
+        raiseUsageError("conflictingOptions", {"--password"s, "--password-file"s});
     }
-
-    void checkCombinations() const {
-        const bool passwordGiven = result_.password || result_.promptForPassword;
-        if (passwordGiven && result_.passwordFile) {
-            raiseUsageError("conflictingOptions", {"--password"s, "--password-file"s});
-        }
-        if (result_.encryption && !passwordGiven && !result_.passwordFile) {
-            raiseUsageError("encryptionWithoutPassword");
-        }
+    if (line.encryption && !line.password && !line.promptForPassword && !line.passwordFile) {
+        raiseUsageError("encryptionWithoutPassword");
     }
-
-    void checkOperands() const {
-        const std::string& command = result_.command;
-        const std::size_t count = result_.operands.size();
-        if ((command == "zip" || command == "tar" || command == "unzip" || command == "untar") &&
-            count == 0) {
-            raiseUsageError("missingOperand", {"ARCHIVE"s, command});
-        }
-        if ((command == "zip" || command == "tar") && count < 2) {
-            raiseUsageError("missingOperand", {"INPUT"s, command});
-        }
-        if ((command == "gzip" || command == "gunzip") && count == 0) {
-            raiseUsageError("missingOperand", {"INPUT"s, command});
-        }
+    if (line.toStdout && line.outputFolder) {
+        raiseUsageError("conflictingOptions", {"-c"s, "-d"s});
     }
+    if (!levelText.empty() && (levelText.size() != 1 || levelText[0] < '0' || levelText[0] > '9')) {
+        raiseUsageError("invalidLevel", {levelText});
+    }
+}
 
-    const std::vector<std::string>& arguments_;
-    std::size_t at_ = 0;
-    CommandLine result_;
-};
+void checkOperands(const CommandLine& line) {
+    const std::string& command = line.command;
+    const std::size_t count = line.operands.size();
+    const bool gzipFamily = command == "gzip" || command == "gunzip";
+    if (command == "gzip" && count == 0 && line.outputFolder) {
+        // "gzip -d FILE.gz", as GNU gzip decompresses: here -d took FILE.gz as its folder.
+        raiseUsageError("gzipDecompress", {*line.outputFolder});
+    }
+    if (count == 0) {
+        raiseUsageError("missingOperand", {gzipFamily ? "INPUT"s : "ARCHIVE"s, command});
+    }
+    if ((command == "zip" || command == "tar") && count < 2) {
+        raiseUsageError("missingOperand", {"INPUT"s, command});
+    }
+    if ((command == "list" || command == "test") && count > 1) {
+        raiseUsageError("extraOperand", {line.operands[1], command});
+    }
+}
 
 }  // namespace
 
-std::string commandNamedIn(const std::vector<std::string>& arguments) {
-    for (const std::string& argument : arguments) {
-        if (std::find(kCommands.begin(), kCommands.end(), argument) != kCommands.end()) {
-            return argument + " ";
-        }
-    }
-    return std::string();
-}
-
 CommandLine CommandLine::parse(const std::vector<std::string>& arguments) {
-    return Parser(arguments).run();
+    CommandLine result;
+    std::string levelText;
+
+    // The common options before the command, and the hidden ones that make the documents.
+    CLI::App program("", "tqarchive");
+    configure(program);
+    program.prefix_command();
+    for (OptionId id : CommandDocs::common()) {
+        addOption(program, id, result, levelText);
+    }
+    program.add_flag("--generate-man", result.generateMan);
+    program.add_option("--generate-completion", result.generateCompletion);
+    const std::vector<std::string> rest = parseInto(program, arguments, "");
+    if (rest.empty()) {
+        if (result.help || result.version || result.generateMan || result.generateCompletion) {
+            return result;
+        }
+        raiseUsageError("missingCommand");
+    }
+
+    const CommandDoc* command = CommandDocs::find(rest.front());
+    if (command == nullptr) {
+        raiseUsageError("unknownCommand", {rest.front()});
+    }
+    result.command = command->name;
+    CLI::App app("", "tqarchive " + command->name);
+    configure(app);
+    for (OptionId id : CommandDocs::common()) {
+        addOption(app, id, result, levelText);
+    }
+    for (const OptionUse& use : command->options) {
+        addOption(app, use.id, result, levelText);
+    }
+    app.add_option("operands", result.operands);
+    parseInto(app, std::vector<std::string>(rest.begin() + 1, rest.end()), command->name);
+
+    if (result.help || result.version) {
+        return result;
+    }
+    if (result.password == kPromptMarker) {
+        result.password.reset();
+        result.promptForPassword = true;
+    }
+    checkCombinations(result, levelText);
+    if (!levelText.empty()) {
+        result.level = levelText[0] - '0';
+    }
+    checkOperands(result);
+    return result;
 }
 
 }  // namespace tqarchive

@@ -6,10 +6,10 @@
 
 namespace tqarchive {
 
-// A parsed tqarchive command line. Options may appear anywhere after the command (and the
-// global ones before it); "--" ends the options.
+// A parsed tqarchive command line. The common options may come before the command too;
+// "--" ends the options.
 struct CommandLine {
-    std::string command;                      // zip, tar, unzip, untar, gzip, gunzip; empty: none
+    std::string command;                      // one of CommandDocs::commands(); empty: none
     std::vector<std::string> operands;        // in the order given
     std::optional<std::string> rootFolder;    // -C
     std::optional<std::string> outputFolder;  // -d
@@ -17,19 +17,25 @@ struct CommandLine {
     bool promptForPassword = false;           // --password without a value
     std::optional<std::string> passwordFile;  // --password-file
     std::optional<std::string> encryption;    // --encryption
-    std::optional<std::string> logFile;       // --log
-    bool quiet = false;
+    std::vector<std::string> excludes;        // --exclude, in order
+    int level = -1;                           // -0 ... -9, --level; -1: the format's default
+    std::optional<std::string> format;        // --format
+    bool toStdout = false;                    // -c
+    bool keepExisting = false;
+    bool preservePermissions = false;
     bool unsafePaths = false;
+    bool json = false;
+    std::optional<std::string> logFile;
+    bool quiet = false;
+    bool verbose = false;
     bool help = false;
     bool version = false;
+    bool generateMan = false;                       // hidden: --generate-man
+    std::optional<std::string> generateCompletion;  // hidden: --generate-completion SHELL
 
     // Raises a "tqarchive:usage:*" error for anything it cannot accept: unknown commands
     // and options, options the command does not take, missing values and operands.
     static CommandLine parse(const std::vector<std::string>& arguments);
 };
-
-// The first command name among the arguments followed by a space, or "" (for the hint
-// printed after a usage error, when parsing did not finish).
-std::string commandNamedIn(const std::vector<std::string>& arguments);
 
 }  // namespace tqarchive

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -8,27 +7,22 @@
 
 namespace tqarchive {
 
-// One function per command; each returns the exit status of a successful run and raises
-// a message-identified error otherwise.
-int runZip(const CommandLine& commandLine);
-int runTar(const CommandLine& commandLine);
-int runUnzip(const CommandLine& commandLine);
-int runUntar(const CommandLine& commandLine);
-// gzip and gunzip: every input, and every file beneath a folder input, through the gateway.
-int runGzipBatch(const CommandLine& commandLine, bool decompress);
+// One function per kind of command; each returns the exit status of a run that finished
+// and raises a message-identified error otherwise.
 
-// Shared by zip and tar: walks the inputs and packs them through createArchiveBuiltin.
-int createArchiveFromInputs(const CommandLine& commandLine, const std::u16string& format,
-                            const std::optional<std::string>& password,
-                            const std::string& encryption);
-// Shared by unzip and untar: the safety pass, then extractArchiveBuiltin.
-int extractArchiveToFolder(const CommandLine& commandLine, const std::string& format,
-                           const std::optional<std::string>& password);
+// zip and tar: walks the inputs and packs them.
+int createArchiveFromInputs(const CommandLine& commandLine);
+// unzip and untar.
+int extractArchiveToFolder(const CommandLine& commandLine);
+// gzip and gunzip: every input, and every file beneath a folder input.
+int runGzipBatch(const CommandLine& commandLine);
+int listArchiveEntries(const CommandLine& commandLine);
+int testArchiveEntries(const CommandLine& commandLine);
 
-// Whether the name ends in the suffix (lower case), ignoring ASCII case.
-bool hasSuffix(std::string name, const std::string& suffix);
+// The format text the library reads the archive with, for unzip, untar, list and test.
+std::u16string readFormatFor(const std::string& command, const std::string& archive);
 
-// The names a gateway returned, one a line on standard output, unless quiet.
+// The names written, one a line on standard output, shown readably; nothing when quiet.
 void printNames(const std::vector<std::u16string>& names, bool quiet);
 
 }  // namespace tqarchive

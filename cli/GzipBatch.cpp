@@ -1,24 +1,41 @@
 #include "GzipBatch.hpp"
 
+#include <unistd.h>
+
+#include <algorithm>
+#include <cctype>
+#include <map>
 #include <system_error>
 
+#include <archive/core/archivecore.hpp>
 #include <host/TextConversion.hpp>
 
 #include "CliMessages.hpp"
-#include "Commands.hpp"
-#include "GatewayCall.hpp"
+#include "InterruptFlag.hpp"
+#include "ReplacementFile.hpp"
 
 namespace tqarchive {
 
 namespace fs = std::filesystem;
+namespace core = tessel::io::archive::core;
 using tessel::host::fromFileSystemText;
 
-GzipBatch::GzipBatch(Direction direction, std::optional<std::string> outputFolder)
-    : direction_(direction) {
-    if (outputFolder) {
-        outputFolder_ = fs::path(*outputFolder);
-    }
+namespace {
+
+std::u16string text(const fs::path& path) {
+    return fromFileSystemText(path.string());
 }
+
+bool endsInGz(std::string name) {
+    std::transform(name.begin(), name.end(), name.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return name.ends_with(".gz");
+}
+
+}  // namespace
+
+GzipBatch::GzipBatch(const CommandLine& commandLine)
+    : commandLine_(commandLine), decompress_(commandLine.command == "gunzip") {}
 
 void GzipBatch::add(const std::string& operand) {
     if (operand.empty()) {
@@ -36,67 +53,88 @@ bool GzipBatch::wanted(const WalkedInput& input) const {
         return true;  // a file named on the command line is always processed
     }
     // Beneath a folder: gzip leaves what is already compressed, gunzip takes only that.
-    const bool compressed = hasSuffix(input.diskPath.filename().string(), ".gz");
-    return direction_ == Direction::Compress ? !compressed : compressed;
+    return endsInGz(input.diskPath.filename().string()) == decompress_;
 }
 
-fs::path GzipBatch::outputPath(const Job& job) const {
-    const fs::path folder = job.outputFolder.empty() ? job.input.parent_path() : job.outputFolder;
-    if (direction_ == Direction::Compress) {
-        return folder / (job.input.filename().string() + ".gz");
-    }
-    return folder / job.input.stem();
-}
-
-std::vector<std::u16string> GzipBatch::run() {
+std::vector<GzipBatch::Job> GzipBatch::plan() const {
     std::vector<Job> jobs;
     std::map<fs::path, fs::path> producedBy;
     for (const WalkedInput& input : walker_.inputs()) {
         if (!wanted(input)) {
             continue;
         }
-        Job job{input.diskPath, fs::path()};
-        if (outputFolder_) {
-            const fs::path place = fs::path(input.name).parent_path();
-            job.outputFolder = place.empty() ? *outputFolder_ : *outputFolder_ / place;
+        fs::path folder = input.diskPath.parent_path();
+        if (commandLine_.outputFolder) {
+            folder = fs::path(*commandLine_.outputFolder) / fs::path(input.name).parent_path();
         }
-        const fs::path output = InputWalker::normal(outputPath(job));
-        const auto [previous, fresh] = producedBy.emplace(output, job.input);
-        if (!fresh) {
-            raiseError("duplicateOutput",
-                       {output.string(), previous->second.string(), job.input.string()});
+        // The library names the outputs; the batch only places them.
+        const std::u16string name = decompress_ ? core::gunzipOutputName(text(input.diskPath))
+                                                : core::gzipOutputName(text(input.diskPath));
+        Job job{input.diskPath, folder / fs::path(tessel::host::toUtf8(name))};
+        if (!commandLine_.toStdout) {
+            const fs::path output = InputWalker::normal(job.output);
+            if (output == InputWalker::normal(job.input)) {
+                raiseError("gunzipOutputIsInput", {text(job.input)});
+            }
+            const auto [previous, fresh] = producedBy.emplace(output, job.input);
+            if (!fresh) {
+                raiseError("duplicateOutput",
+                           {text(output), text(previous->second), text(job.input)});
+            }
         }
         jobs.push_back(std::move(job));
     }
+    return jobs;
+}
 
+void GzipBatch::process(const Job& job, ProgressReporter& reporter) const {
+    InterruptFlag::check();
+    std::optional<ReplacementFile> file;
+    if (!commandLine_.toStdout) {
+        file.emplace(job.output, decompress_ ? "TESSEL:io:archive:gunzip:javaOutputOpenError"
+                                             : "TESSEL:io:archive:gzip:javaOutputOpenError");
+    }
+    const int descriptor = file ? file->descriptor() : STDOUT_FILENO;
+    if (decompress_) {
+        core::ExtractOptions options;
+        options.outputDescriptor = descriptor;
+        options.progress = reporter.callback();
+        core::uncompressgzWithOptions({text(job.input)}, text(job.output), true, options);
+    } else {
+        core::CreateOptions options;
+        options.outputDescriptor = descriptor;
+        options.level = commandLine_.level;
+        options.reportFinalClose = true;
+        options.skipRefusedEntries = true;
+        options.progress = reporter.callback();
+        core::compressgzToFile(text(job.input), text(job.output), options);
+    }
+    if (file) {
+        file->commit();
+    }
+}
+
+std::vector<std::u16string> GzipBatch::run(ProgressReporter& reporter) {
+    const std::vector<Job> jobs = plan();
+    if (commandLine_.toStdout && !decompress_ && ::isatty(STDOUT_FILENO) == 1) {
+        raiseError("terminalOutput", {commandLine_.command});
+    }
     for (const Job& job : jobs) {
         std::error_code error;
-        if (!job.outputFolder.empty() && !fs::is_directory(job.outputFolder, error)) {
-            fs::create_directories(job.outputFolder, error);
+        const fs::path folder = job.output.parent_path();
+        if (!commandLine_.toStdout && !folder.empty() && !fs::is_directory(folder, error)) {
+            fs::create_directories(folder, error);
             if (error) {
-                raiseError("outputFolder", {job.outputFolder.string(), error.message()});
+                raiseError("outputFolder", {text(folder), error.message()});
             }
         }
     }
-
     std::vector<std::u16string> written;
-    for (auto first = jobs.begin(); first != jobs.end();) {
-        auto last = first;
-        std::vector<std::u16string> files;
-        while (last != jobs.end() && last->outputFolder == first->outputFolder) {
-            files.push_back(fromFileSystemText(last->input.string()));
-            ++last;
+    for (const Job& job : jobs) {
+        process(job, reporter);
+        if (!commandLine_.toStdout) {
+            written.push_back(text(job.output));
         }
-        const std::u16string folder = fromFileSystemText(first->outputFolder.string());
-        GatewayCall call;
-        std::vector<std::u16string> names;
-        if (direction_ == Direction::Compress) {
-            names = call.list(files).text(folder).call(compressgzBuiltin);
-        } else {
-            names = call.list(files).text(folder).flag(false).call(uncompressgzBuiltin);
-        }
-        written.insert(written.end(), names.begin(), names.end());
-        first = last;
     }
     return written;
 }

@@ -1,5 +1,6 @@
 #include "InputWalker.hpp"
 
+#include <fnmatch.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -81,8 +82,22 @@ void InputWalker::add(const fs::path& input, const fs::path& base) {
     visit(input, name, ancestors, false);
 }
 
+bool InputWalker::excluded(const std::string& name) const {
+    if (name.empty()) {
+        return false;  // the root folder itself, which has no entry
+    }
+    const std::string base = name.substr(name.rfind('/') + 1);
+    return std::any_of(patterns_.begin(), patterns_.end(), [&](const std::string& pattern) {
+        return ::fnmatch(pattern.c_str(), name.c_str(), 0) == 0 ||
+               ::fnmatch(pattern.c_str(), base.c_str(), 0) == 0;
+    });
+}
+
 void InputWalker::visit(const fs::path& diskPath, const std::string& name,
                         std::vector<FileId>& ancestors, bool nested) {
+    if (excluded(name)) {
+        return;
+    }
     struct stat info {};
     if (::stat(diskPath.c_str(), &info) != 0) {
         const int code = errno;
@@ -95,7 +110,7 @@ void InputWalker::visit(const fs::path& diskPath, const std::string& name,
     const FileId id{info.st_dev, info.st_ino};
     if (S_ISREG(info.st_mode)) {
         if (!excluded_.contains(id)) {
-            emit(diskPath, name, false, nested);
+            emit(diskPath, name, false, nested, static_cast<std::uint64_t>(info.st_size));
         }
         return;
     }
@@ -108,7 +123,7 @@ void InputWalker::visit(const fs::path& diskPath, const std::string& name,
         return;
     }
     // A folder listed before was walked then, with everything beneath it.
-    if (!name.empty() && !emit(diskPath, name + "/", true, nested)) {
+    if (!name.empty() && !emit(diskPath, name + "/", true, nested, 0)) {
         return;
     }
 
@@ -132,11 +147,12 @@ void InputWalker::visit(const fs::path& diskPath, const std::string& name,
     ancestors.pop_back();
 }
 
-bool InputWalker::emit(const fs::path& diskPath, std::string name, bool folder, bool nested) {
+bool InputWalker::emit(const fs::path& diskPath, std::string name, bool folder, bool nested,
+                       std::uint64_t size) {
     if (!seen_.insert(normal(diskPath)).second) {
         return false;
     }
-    inputs_.push_back({diskPath, std::move(name), folder, nested});
+    inputs_.push_back({diskPath, std::move(name), folder, nested, size});
     return true;
 }
 

@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <cstdint>
 #include <filesystem>
 #include <set>
 #include <string>
@@ -16,18 +17,23 @@ struct WalkedInput {
     std::filesystem::path diskPath;
     std::string name;
     bool folder = false;
-    bool nested = false;  // found beneath a folder input rather than named as an input
+    bool nested = false;     // found beneath a folder input rather than named as an input
+    std::uint64_t size = 0;  // bytes, for a file
 };
 
 // Expands inputs into the files and folders beneath them, depth first, each folder's
 // children in sorted order. Symbolic links are followed, as the archive reader follows
 // them; a link leading back into a folder that contains it is reported and left out, as
 // are broken links and special files (pipes, sockets, devices), which would block or
-// fail the whole run. A path reached twice is listed once.
+// fail the whole run. A path reached twice is listed once. A file or folder matching an
+// exclusion pattern is left out, a folder with everything beneath it.
 class InputWalker {
   public:
     // A file never to be listed (the archive being written), when it exists.
     void exclude(const std::filesystem::path& file);
+    // Shell patterns matched as tar's --exclude matches them: against the name relative to
+    // the base (without a folder's "/") and against the last component, "*" matching "/".
+    void excludePatterns(std::vector<std::string> patterns) { patterns_ = std::move(patterns); }
 
     // Adds an input named relative to base (an absolute, lexically normal folder). An
     // input outside base raises "tqarchive:inputOutsideRoot"; a missing one
@@ -45,11 +51,14 @@ class InputWalker {
     void visit(const std::filesystem::path& diskPath, const std::string& name,
                std::vector<FileId>& ancestors, bool nested);
     // False when the path was listed before.
-    bool emit(const std::filesystem::path& diskPath, std::string name, bool folder, bool nested);
+    bool emit(const std::filesystem::path& diskPath, std::string name, bool folder, bool nested,
+              std::uint64_t size);
+    bool excluded(const std::string& name) const;
 
     std::vector<WalkedInput> inputs_;
     std::set<std::filesystem::path> seen_;
     std::set<FileId> excluded_;
+    std::vector<std::string> patterns_;
 };
 
 }  // namespace tqarchive

@@ -9,6 +9,7 @@
 #include <iostream>
 
 #include "CliMessages.hpp"
+#include "InterruptFlag.hpp"
 
 namespace tqarchive {
 
@@ -47,7 +48,7 @@ void dropLineEnd(std::string& line) {
 
 }  // namespace
 
-std::optional<std::string> PasswordSource::resolve(const CommandLine& commandLine) {
+std::optional<std::string> PasswordSource::resolve(const CommandLine& commandLine, bool confirm) {
     if (commandLine.password) {
         return commandLine.password;
     }
@@ -55,7 +56,7 @@ std::optional<std::string> PasswordSource::resolve(const CommandLine& commandLin
         return fromFile(*commandLine.passwordFile);
     }
     if (commandLine.promptForPassword) {
-        return fromTerminal();
+        return fromTerminal(confirm);
     }
     return std::nullopt;
 }
@@ -73,17 +74,27 @@ std::string PasswordSource::fromFile(const std::string& path) {
     return line;
 }
 
-std::string PasswordSource::fromTerminal() {
+std::string PasswordSource::fromTerminal(bool confirm) {
     if (!isatty(STDIN_FILENO)) {
         raiseUsageError("passwordNeedsTerminal");
     }
-    std::cerr << "Password: " << std::flush;
+    const std::string password = ask("Password: ");
+    if (confirm && ask("Repeat the password: ") != password) {
+        raiseError("passwordMismatch");
+    }
+    return password;
+}
+
+std::string PasswordSource::ask(const char* prompt) {
+    std::cerr << prompt << std::flush;
     std::string line;
     {
         EchoOff echoOff(STDIN_FILENO);
         std::getline(std::cin, line);
     }
     std::cerr << '\n';
+    // Ctrl-C at the prompt ends the read; the run stops here.
+    InterruptFlag::check();
     dropLineEnd(line);
     return line;
 }

@@ -1,16 +1,25 @@
+#include <unistd.h>
+
+#include <set>
 #include <system_error>
 
+#include <archive/core/archivecore.hpp>
 #include <host/TextConversion.hpp>
 
 #include "CliMessages.hpp"
 #include "Commands.hpp"
-#include "GatewayCall.hpp"
 #include "InputWalker.hpp"
+#include "InterruptFlag.hpp"
+#include "PasswordSource.hpp"
+#include "ProgressReporter.hpp"
+#include "ReplacementFile.hpp"
 
 namespace tqarchive {
 
 namespace fs = std::filesystem;
+namespace core = tessel::io::archive::core;
 using tessel::host::fromFileSystemText;
+using tessel::host::fromUtf8;
 
 namespace {
 
@@ -26,21 +35,69 @@ fs::path joinWithoutDots(const fs::path& root, const fs::path& input) {
     return joined.empty() ? fs::path(".") : joined;
 }
 
+// What tar writes: the type --format names, else the one ARCHIVE's name says. Refused
+// before anything is written when neither says a tar type.
+core::ArchiveType tarType(const CommandLine& commandLine) {
+    const std::string& archive = commandLine.operands.front();
+    if (!commandLine.format && archive == "-") {
+        return {u"tar", u""};
+    }
+    const std::u16string name = commandLine.format ? u"archive." + fromUtf8(*commandLine.format)
+                                                   : fromFileSystemText(archive);
+    const auto type = core::archiveTypeFromName(name);
+    if (!type || (type->format != u"tar" && type->format != u"tgz")) {
+        if (commandLine.format) {
+            raiseUsageError("unknownFormat", {*commandLine.format});
+        }
+        raiseError("unknownTarType", {fromFileSystemText(archive)});
+    }
+    return *type;
+}
+
+// The library gives a tar's folders without their "/"; the listing always shows it.
+std::vector<std::u16string> withFolderSlashes(std::vector<std::u16string> written,
+                                              const std::set<std::u16string>& folders) {
+    for (std::u16string& name : written) {
+        if (!name.ends_with(u'/') && folders.contains(name + u"/")) {
+            name += u'/';
+        }
+    }
+    return written;
+}
+
 }  // namespace
 
-int createArchiveFromInputs(const CommandLine& commandLine, const std::u16string& format,
-                            const std::optional<std::string>& password,
-                            const std::string& encryption) {
+int createArchiveFromInputs(const CommandLine& commandLine) {
+    const bool zip = commandLine.command == "zip";
     const std::string& archive = commandLine.operands.front();
+    const bool toStdout = archive == "-";
+
+    core::CreateOptions options;
+    std::u16string format = u"zip";
+    if (!zip) {
+        const core::ArchiveType type = tarType(commandLine);
+        format = type.format;
+        options.filter = type.filter;
+    }
+    if (toStdout && ::isatty(STDOUT_FILENO) == 1) {
+        raiseError("terminalOutput", {commandLine.command});
+    }
+    std::error_code error;
+    if (!toStdout && fs::is_directory(archive, error)) {
+        // Most likely the operands were swapped; say so before anything is read or written.
+        raiseError("archiveIsFolder", {fromFileSystemText(archive), commandLine.command});
+    }
+
     const fs::path root = commandLine.rootFolder.value_or(std::string());
     const fs::path base = InputWalker::normal(root.empty() ? fs::path(".") : root);
-    std::error_code error;
     if (!fs::is_directory(base, error)) {
         raiseError("rootFolder", {root.string()});
     }
-
     InputWalker walker;
-    walker.exclude(archive);
+    if (!toStdout) {
+        walker.exclude(archive);
+    }
+    walker.excludePatterns(commandLine.excludes);
     for (auto operand = commandLine.operands.begin() + 1; operand != commandLine.operands.end();
          ++operand) {
         if (operand->empty()) {
@@ -53,17 +110,43 @@ int createArchiveFromInputs(const CommandLine& commandLine, const std::u16string
 
     std::vector<std::u16string> files;
     std::vector<std::u16string> names;
+    std::set<std::u16string> folders;
     for (const WalkedInput& input : walker.inputs()) {
         files.push_back(fromFileSystemText(input.diskPath.string()));
         names.push_back(fromFileSystemText(input.name));
+        options.expectedBytes += input.size;
+        if (input.folder) {
+            folders.insert(names.back());
+        }
     }
 
-    GatewayCall call;
-    call.text(fromFileSystemText(archive)).list(files).list(names).text(format);
-    if (password) {
-        call.text(tessel::host::fromUtf8(*password)).text(tessel::host::fromUtf8(encryption));
+    if (const auto password = PasswordSource::resolve(commandLine, true)) {
+        options.password = fromUtf8(*password);
+        // AES-256 unless asked otherwise: the strongest method zip readers commonly know.
+        options.encryption = fromUtf8(commandLine.encryption.value_or("aes256"));
     }
-    printNames(call.call(createArchiveBuiltin), commandLine.quiet);
+    // A plain tar has nothing to set a level on.
+    options.level = zip || !options.filter.empty() || format == u"tgz" ? commandLine.level : -1;
+    options.reportFinalClose = true;
+    options.skipRefusedEntries = true;
+    ProgressReporter reporter(commandLine.quiet, commandLine.verbose);
+    options.progress = reporter.callback();
+    InterruptFlag::check();
+
+    if (toStdout) {
+        // Standard output carries the archive, so the names are not listed there.
+        options.outputDescriptor = STDOUT_FILENO;
+        core::createArchiveWithOptions(u"-", files, names, format, options);
+        return 0;
+    }
+    ReplacementFile output(
+        archive, zip ? "TESSEL:io:archive:zip:openError" : "TESSEL:io:archive:tar:openError");
+    options.outputDescriptor = output.descriptor();
+    const auto written =
+        core::createArchiveWithOptions(fromFileSystemText(archive), files, names, format, options);
+    output.commit();
+    reporter.clear();
+    printNames(withFolderSlashes(written, folders), commandLine.quiet);
     return 0;
 }
 

@@ -9,15 +9,30 @@
 #include <host/HostError.hpp>
 
 #include "CliMessages.hpp"
+#include "CommandDocs.hpp"
 #include "CommandLine.hpp"
 #include "Commands.hpp"
+#include "DocumentGenerators.hpp"
 #include "HelpText.hpp"
+#include "InterruptFlag.hpp"
 #include "ProcessLocale.hpp"
+#include "versionText.hpp"
 
 namespace {
 
 int run(const tqarchive::CommandLine& commandLine) {
     using namespace tqarchive;
+    if (commandLine.generateMan) {
+        std::cout << manPage();
+        return 0;
+    }
+    if (commandLine.generateCompletion) {
+        if (*commandLine.generateCompletion != "bash") {
+            raiseUsageError("unknownShell", {*commandLine.generateCompletion});
+        }
+        std::cout << bashCompletion();
+        return 0;
+    }
     if (commandLine.version) {
         std::cout << versionText();
         return 0;
@@ -31,32 +46,47 @@ int run(const tqarchive::CommandLine& commandLine) {
         setenv("TQARCHIVE_LOG", commandLine.logFile->c_str(), 1);
     }
     const std::string& command = commandLine.command;
-    if (command == "zip") {
-        return runZip(commandLine);
+    if (command == "zip" || command == "tar") {
+        return createArchiveFromInputs(commandLine);
     }
-    if (command == "tar") {
-        return runTar(commandLine);
+    if (command == "unzip" || command == "untar") {
+        return extractArchiveToFolder(commandLine);
     }
-    if (command == "unzip") {
-        return runUnzip(commandLine);
+    if (command == "list") {
+        return listArchiveEntries(commandLine);
     }
-    if (command == "untar") {
-        return runUntar(commandLine);
+    if (command == "test") {
+        return testArchiveEntries(commandLine);
     }
-    return runGzipBatch(commandLine, command == "gunzip");
+    return runGzipBatch(commandLine);
+}
+
+// The first command named among the arguments, for the hint after a usage error.
+std::string commandNamedIn(const std::vector<std::string>& arguments) {
+    for (const std::string& argument : arguments) {
+        if (tqarchive::CommandDocs::find(argument) != nullptr) {
+            return argument;
+        }
+    }
+    return std::string();
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
     tqarchive::useUtf8Locale();
+    tqarchive::InterruptFlag::install();
     const std::vector<std::string> arguments(argv + 1, argv + argc);
     try {
         return run(tqarchive::CommandLine::parse(arguments));
     } catch (const tessel::host::HostError& error) {
         std::cerr << "Error: " << error.what() << " [" << error.GetID() << "]\n";
+        if (tqarchive::InterruptFlag::signal() != 0) {
+            return tqarchive::InterruptFlag::exitStatus();
+        }
         if (tqarchive::isUsageError(error)) {
-            std::cerr << "Run 'tqarchive " << tqarchive::commandNamedIn(arguments)
+            const std::string command = commandNamedIn(arguments);
+            std::cerr << "Run 'tqarchive " << (command.empty() ? "" : command + " ")
                       << "--help' for usage.\n";
             return 2;
         }
@@ -64,6 +94,6 @@ int main(int argc, char** argv) {
     } catch (const std::exception& error) {
         // Not expected: the library and this program report failures as host errors.
         std::cerr << "Error: " << error.what() << " [tqarchive:unexpected]\n";
-        return 1;
+        return tqarchive::InterruptFlag::signal() != 0 ? tqarchive::InterruptFlag::exitStatus() : 1;
     }
 }

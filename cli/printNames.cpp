@@ -11,7 +11,7 @@ void printNames(const std::vector<std::u16string>& names, bool quiet) {
         return;
     }
     for (const std::u16string& name : names) {
-        std::cout << tessel::host::toUtf8(name) << '\n';
+        std::cout << tessel::host::toDisplayText(name) << '\n';
     }
     std::cout.flush();
 }

@@ -3,13 +3,15 @@
 
 namespace tqarchive {
 
-int runGzipBatch(const CommandLine& commandLine, bool decompress) {
-    GzipBatch batch(decompress ? GzipBatch::Direction::Decompress : GzipBatch::Direction::Compress,
-                    commandLine.outputFolder);
+int runGzipBatch(const CommandLine& commandLine) {
+    GzipBatch batch(commandLine);
     for (const std::string& operand : commandLine.operands) {
         batch.add(operand);
     }
-    printNames(batch.run(), commandLine.quiet);
+    ProgressReporter reporter(commandLine.quiet, commandLine.verbose);
+    const auto written = batch.run(reporter);
+    reporter.clear();
+    printNames(written, commandLine.quiet);
     return 0;
 }
 

@@ -9,7 +9,7 @@ packages=(
   libarchive-dev zlib1g-dev libboost-log-dev libboost-locale-dev libboost-dev
   libgtest-dev googletest
   zip unzip p7zip-full libarchive-tools tar gzip pigz python3
-  clang libclang-rt-14-dev util-linux
+  clang libclang-rt-14-dev util-linux libcli11-dev groff-base
 )
 
 missing=()

@@ -43,6 +43,16 @@ inline void shell(const fs::path& folder, const std::string& command) {
     ASSERT_EQ(result.status, 0) << command << "\n" << result.output;
 }
 
+// The same, returning what it printed (standard output and error).
+inline std::string sh(const fs::path& folder, const std::string& command) {
+    return runCommand("cd " + shellQuote(folder.string()) + " && " + command).output;
+}
+
+// The program, quoted for a shell line.
+inline std::string program() {
+    return shellQuote(TQARCHIVE_PROGRAM);
+}
+
 // What a tree holds, by relative name: "/" for a folder, "@target" for a symbolic link (not
 // followed), a hash of the bytes for a file (it keeps a failure's printout readable).
 inline std::map<std::string, std::string> snapshot(const fs::path& root) {

@@ -1,4 +1,4 @@
-// Exit statuses and identified messages for bad input, unwritable output and usage errors.
+// Exit statuses and identified messages for bad input and unwritable output.
 
 #include <gtest/gtest.h>
 
@@ -6,59 +6,65 @@
 
 using namespace clitest;
 
-// Run as nobody, as CI runs as root: "locked" is root's and 0755, "work" is writable.
-TEST(BadInput, ExitStatusAndIdentifiedErrorAndNothingWritten) {
+namespace {
+
+struct FailingRun {
+    std::string args;
+    std::string identifier;
+};
+
+}  // namespace
+
+// Run as nobody, as CI runs as root: "locked" is root's and 0755, "work" is writable. Every
+// error names what to fix; none is the internal error, and nothing is written.
+TEST(BadInput, ExitStatus1AnIdentifiedErrorAndNothingWritten) {
     TempDir dir;
     shell(dir.path(),
-          "mkdir a b locked work && echo text | tee a/x.txt b/x.txt > plain.txt && " +
-              shellQuote(TQARCHIVE_PROGRAM) +
-              " zip -q s.zip plain.txt --password right && chmod 777 work && chmod -R o+rX .");
+          "mkdir a b locked work && echo text | tee a/x.txt b/x.txt > plain.txt && " + program() +
+              " zip -q s.zip plain.txt --password right && gzip -c plain.txt > noext && "
+              "tar -czf t.tgz a b plain.txt && head -c 100 t.tgz > trunc.tgz && chmod 777 work "
+              "&& chmod -R o+rX .");
+    // One flipped byte inside the stored data of a tgz: only the gzip trailer tells.
+    writeFile(dir / "r.bin", randomBytes(100000));
+    shell(dir.path(), "tar -czf flipped.tgz r.bin && chmod o+r flipped.tgz");
+    std::string flipped = readFile(dir / "flipped.tgz");
+    flipped[60000] = static_cast<char>(flipped[60000] ^ 0xff);
+    writeFile(dir / "flipped.tgz", flipped);
     const std::string nobody = "setpriv --reuid=65534 --regid=65534 --clear-groups";
     if (!toolAvailable("setpriv") || tqarchive(dir.path(), "--version", nobody).status != 0) {
         GTEST_SKIP() << "setpriv is missing or the built program cannot be run as nobody";
     }
-    const std::string archive = "TESSEL:io:archive:", usage = "tqarchive:usage:";
-    const std::tuple<std::string, int, std::string> runs[] = {
-        {"unzip ../missing.zip", 1, "tqarchive:archiveNotFound"},
-        {"unzip ../plain.txt", 1, archive + "unzip:invalidZipFile"},
-        {"unzip ../s.zip --password wrong", 1, archive + "extractArchive:incorrectPassword"},
-        {"unzip ../s.zip", 1, archive + "extractArchive:unableToWrite"},
-        {"zip a.zip missing.txt -C ..", 1, "tqarchive:inputNotFound"},
-        {"zip a.zip ../plain.txt", 1, "tqarchive:inputOutsideRoot"},
-        {"tar a.tgz x -C ../nowhere", 1, "tqarchive:rootFolder"},
-        {"gunzip ../plain.txt -d .", 1, archive + "gunzip:notGzipFormat"},
-        {"gzip ../a/x.txt ../b/x.txt -d out", 1, "tqarchive:duplicateOutput"},
-        {"zip a.zip plain.txt -C .. --password p --encryption rot13", 1,
+    const std::string archive = "TESSEL:io:archive:";
+    const FailingRun runs[] = {
+        {"unzip ../missing.zip", "tqarchive:archiveNotFound"},
+        {"unzip ../plain.txt", archive + "unzip:invalidZipFile"},
+        {"untar ../plain.txt", archive + "untar:invalidTarFile"},
+        {"untar ../trunc.tgz -d out", archive + "untar:invalidTarFile"},
+        {"untar ../flipped.tgz -d out", archive + "untar:invalidTarFile"},
+        {"unzip ../s.zip --password wrong", archive + "extractArchive:incorrectPassword"},
+        {"unzip ../s.zip", archive + "extractArchive:unableToWrite"},
+        {"zip a.zip missing.txt -C ..", "tqarchive:inputNotFound"},
+        {"zip a.zip ../plain.txt", "tqarchive:inputOutsideRoot"},
+        {"tar a.tgz x -C ../nowhere", "tqarchive:rootFolder"},
+        {"tar backup a -C ..", "tqarchive:unknownTarType"},
+        {"zip ../a plain.txt -C ..", "tqarchive:archiveIsFolder"},
+        {"tar backup.zip a -C ..", "tqarchive:unknownTarType"},
+        {"gunzip ../plain.txt -d .", archive + "gunzip:notGzipFormat"},
+        {"gunzip ../noext", "tqarchive:gunzipOutputIsInput"},
+        {"gzip ../a/x.txt ../b/x.txt -d out", "tqarchive:duplicateOutput"},
+        {"zip a.zip plain.txt -C .. --password p --encryption rot13",
          archive + "createArchive:invalidEncryptionInLinux"},
-        {"zip a.zip plain.txt -C .. --password ''", 1, archive + "createArchive:emptyPassword"},
-        {"zip a.zip x --password-file ../none", 1, "tqarchive:passwordFile"},
-        {"zip ../locked/a.zip plain.txt -C ..", 1, archive + "zip:openError"},
-        {"gzip ../plain.txt -d ../locked", 1, archive + "gzip:javaOutputOpenError"},
-        {"gzip ../plain.txt -d ../locked/sub", 1, "tqarchive:outputFolder"},
-        {"", 2, usage + "missingCommand"},
-        {"frobnicate a", 2, usage + "unknownCommand"},
-        {"zip a.zip x --bogus", 2, usage + "unknownOption"},
-        {"tar a.tar x --password p", 2, usage + "optionNotAllowed"},
-        {"zip a.zip", 2, usage + "missingOperand"},
-        {"unzip a.zip -d", 2, usage + "missingValue"},
-        {"zip a.zip x --password", 2, usage + "passwordNeedsTerminal"},
-        {"zip a.zip x --password a --password-file f", 2, usage + "conflictingOptions"},
-        {"zip a.zip x --encryption aes128", 2, usage + "encryptionWithoutPassword"}};
-    for (const auto& [args, status, identifier] : runs) {
-        const auto run = tqarchive(dir / "work", args, nobody);
-        EXPECT_TRUE(run.status == status && run.output.empty() && run.err.starts_with("Error: ") &&
-                    reports(run, identifier))
-            << args << " -> " << run.status << ": " << run.output << run.err;
+        {"zip a.zip plain.txt -C .. --password ''", archive + "createArchive:emptyPassword"},
+        {"zip a.zip plain.txt -C .. --password-file ../none", "tqarchive:passwordFile"},
+        {"zip ../locked/a.zip plain.txt -C ..", archive + "zip:openError"},
+        {"tar ../locked/a.tar.xz plain.txt -C ..", archive + "tar:openError"},
+        {"gzip ../plain.txt -d ../locked", archive + "gzip:javaOutputOpenError"},
+        {"gzip ../plain.txt -d ../locked/sub", "tqarchive:outputFolder"}};
+    for (const FailingRun& failing : runs) {
+        const auto run = tqarchive(dir / "work", failing.args, nobody);
+        EXPECT_TRUE(run.status == 1 && run.output.empty() && run.err.starts_with("Error: ") &&
+                    reports(run, failing.identifier))
+            << failing.args << " -> " << run.status << ": " << run.output << run.err;
     }
-    EXPECT_TRUE(fs::is_empty(dir / "work") && fs::is_empty(dir / "locked"));
-}
-
-TEST(HelpAndVersion, EveryCommandHasHelpWithExamples) {
-    for (const std::string command : {"zip", "tar", "unzip", "untar", "gzip", "gunzip"}) {
-        const std::string help = tqarchive("/", command + " --help").output;
-        EXPECT_TRUE(help.starts_with("Usage: tqarchive " + command + " ") &&
-                    help.find("\nExamples:\n  tqarchive " + command + " ") != std::string::npos)
-            << help;
-    }
-    EXPECT_NE(tqarchive("/", "--version").output.find("libarchive"), std::string::npos);
+    EXPECT_EQ(sh(dir.path(), "ls -A work locked; gzip -dc noext"), "locked:\n\nwork:\ntext\n");
 }

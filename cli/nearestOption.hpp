@@ -1,0 +1,13 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace tqarchive {
+
+// The spelling of an option the command takes (any command's when command is empty) that
+// is nearest to an unknown one, when it is near enough to be what the user meant: at most
+// two letters added, dropped or changed ("--exlude" gives "--exclude").
+std::optional<std::string> nearestOption(const std::string& unknown, const std::string& command);
+
+}  // namespace tqarchive
