@@ -3,8 +3,12 @@
 #                          and the measuring wrapper $MEASURE
 #   bench_data SEED        5,000 small files in $WORK/small, one big file in $WORK/big
 #   measure CMD...         prints "wall-seconds cpu-seconds peak-KiB" of one run of CMD
+#   bench_report FILE      the medians of "case side wall cpu KiB" rows, each side's ratio
+#                          to the case's first peer (bsdtar, or gzip), and tqarchive's to
+#                          tqarchive --unsafe-paths
 
 BENCH=${BENCH:-build/bench/archive_bench}
+TQARCHIVE=${TQARCHIVE:-build/cli/tqarchive}
 ROUNDS=${ROUNDS:-3}
 BIG_MIB=${BIG_MIB:-512}
 SMALL_FILES=${SMALL_FILES:-5000}
@@ -91,5 +95,34 @@ with open(os.path.join(work, "big", "big.bin"), "wb") as f:
     for i in range(big_mib // 4):
         block[rng.randrange(len(block))] = ord("A") + i % 26
         f.write(block)
+PY
+}
+
+bench_report() {
+    python3 - "$1" "$SMALL_FILES" "$BIG_MIB" "$ROUNDS" <<'PY'
+import statistics, sys
+rows = [line.split() for line in open(sys.argv[1])]
+print()
+print("%s small files, one %s MiB file; median of %s rounds (cpu: user + system)" %
+      tuple(sys.argv[2:5]))
+print("%-10s %-13s %8s %8s %9s %10s %12s" %
+      ("case", "side", "wall s", "cpu s", "vs peer", "peak KiB", "vs unsafe"))
+cases = []
+for r in rows:
+    if r[0] not in cases:
+        cases.append(r[0])
+for case in cases:
+    sides = []
+    for r in rows:
+        if r[0] == case and r[1] not in sides:
+            sides.append(r[1])
+    wall = {s: statistics.median(float(r[2]) for r in rows if r[0] == case and r[1] == s) for s in sides}
+    cpu = {s: statistics.median(float(r[3]) for r in rows if r[0] == case and r[1] == s) for s in sides}
+    peak = {s: max(int(r[4]) for r in rows if r[0] == case and r[1] == s) for s in sides}
+    peer = next(s for s in ("bsdtar", "gzip", "zip") if s in sides)
+    for s in sides:
+        unsafe = "%11.3fx" % (wall[s] / wall["unsafe-paths"]) if s == "tqarchive" and "unsafe-paths" in wall else ""
+        print("%-10s %-13s %8.3f %8.3f %8.3fx %10d %12s" %
+              (case, s, wall[s], cpu[s], wall[s] / wall[peer], peak[s], unsafe))
 PY
 }

@@ -1,17 +1,21 @@
 #!/usr/bin/env bash
-# Times extraction side by side with its peers, in alternating rounds:
-#   extractArchive zip  vs  unzip -q and bsdtar -xf   (5,000 small files; one 512 MiB file)
-#   extractArchive tgz  vs  bsdtar -xzf               (the same two inputs)
-#   uncompressgz        vs  gzip -dc > file           (the 512 MiB file)
-# Inputs are made here with bsdtar, zip and gzip, in /tmp, and removed at the end. Prints
-# the median wall time of each side, the ratio and the peak resident memory of each run.
+# Times extraction by tqarchive side by side with its peers, in alternating rounds, on
+# 5,000 small files and on one big file:
+#   tqarchive unzip (safe by default) and unzip --unsafe-paths  vs  bsdtar -xf, unzip -q
+#   tqarchive untar (safe by default) and untar --unsafe-paths  vs  bsdtar -xzf
+#   tqarchive gunzip -c                                         vs  gzip -dc
+# and the library's own confined extraction (extractArchiveWithOptions, its gzip check in
+# the calling thread) beside them. Inputs are made here with bsdtar, zip and gzip, in
+# /tmp, and removed at the end. Prints the median wall time of each side, its ratio to
+# the first peer and the peak resident memory of each run.
 #
-# usage: bench/extract.sh [path/to/archive_bench]   (default build/bench/archive_bench)
-# environment: ROUNDS (5), BIG_MIB (512), SMALL_FILES (5000)
+# usage: bench/extract.sh   (after a build: build/cli/tqarchive, build/bench/archive_bench)
+# environment: ROUNDS (5), BIG_MIB (128), SMALL_FILES (5000), TQARCHIVE, BENCH
 set -euo pipefail
 
-BENCH=${1:-${BENCH:-build/bench/archive_bench}}
 ROUNDS=${ROUNDS:-5}
+BIG_MIB=${BIG_MIB:-128}
+TQARCHIVE=$(realpath "${TQARCHIVE:-build/cli/tqarchive}")
 source "$(dirname "$0")/common.sh"
 bench_setup extract bsdtar zip unzip gzip
 bench_data 7
@@ -24,72 +28,49 @@ rm -rf "$WORK/small" "$WORK/big"
 RESULTS="$WORK/results.txt"
 : >"$RESULTS"
 OUT="$WORK/out"
+I=$WORK/in
 run() {  # case side command...; output goes to $OUT, emptied first (not timed)
     local name=$1 side=$2
     shift 2
     rm -rf "$OUT" && mkdir -p "$OUT"
-    # Start from clean page cache state: the previous run's writeback is not charged here.
+    # Start from a clean page cache state: the previous run's writeback is not charged here.
     sync
-    echo "$name $side $(measure "$@") $(du -sk "$OUT" | cut -f1)" >>"$RESULTS"
+    echo "$name $side $(measure "$@")" >>"$RESULTS"
 }
 
-I=$WORK/in
-ZIP_PEERS=(bsdtar unzip)
 one() {  # case side
-    case "$1/$2" in
-    small-zip/ours) run "$1" ours "$BENCH" extract zip "$I/small.zip" "$OUT" ;;
-    small-tgz/ours) run "$1" ours "$BENCH" extract tgz "$I/small.tgz" "$OUT" ;;
-    big-zip/ours) run "$1" ours "$BENCH" extract zip "$I/big.zip" "$OUT" ;;
-    big-tgz/ours) run "$1" ours "$BENCH" extract tgz "$I/big.tgz" "$OUT" ;;
-    big-gz/ours) run "$1" ours "$BENCH" gunzip "$I/big.bin.gz" "$OUT/big.bin" ;;
-    small-zip/bsdtar | big-zip/bsdtar) run "$1" bsdtar bsdtar -xf "$I/${1%-zip}.zip" -C "$OUT" ;;
-    small-zip/unzip | big-zip/unzip) run "$1" unzip unzip -q "$I/${1%-zip}.zip" -d "$OUT" ;;
-    small-tgz/bsdtar | big-tgz/bsdtar) run "$1" bsdtar bsdtar -xzf "$I/${1%-tgz}.tgz" -C "$OUT" ;;
-    big-gz/gzip) run "$1" gzip sh -c "gzip -dc '$I/big.bin.gz' > '$OUT/big.bin'" ;;
+    local base=${1%-*} kind=${1#*-}
+    case "$kind/$2" in
+    zip/tqarchive) run "$1" "$2" "$TQARCHIVE" unzip -q "$I/$base.zip" -d "$OUT" ;;
+    zip/unsafe-paths) run "$1" "$2" "$TQARCHIVE" unzip -q --unsafe-paths "$I/$base.zip" -d "$OUT" ;;
+    zip/library) run "$1" "$2" "$BENCH" extract-safe zip "$I/$base.zip" "$OUT" ;;
+    zip/bsdtar) run "$1" "$2" bsdtar -xf "$I/$base.zip" -C "$OUT" ;;
+    zip/unzip) run "$1" "$2" unzip -q "$I/$base.zip" -d "$OUT" ;;
+    tgz/tqarchive) run "$1" "$2" "$TQARCHIVE" untar -q "$I/$base.tgz" -d "$OUT" ;;
+    tgz/unsafe-paths) run "$1" "$2" "$TQARCHIVE" untar -q --unsafe-paths "$I/$base.tgz" -d "$OUT" ;;
+    tgz/library) run "$1" "$2" "$BENCH" extract-safe tgz "$I/$base.tgz" "$OUT" ;;
+    tgz/bsdtar) run "$1" "$2" bsdtar -xzf "$I/$base.tgz" -C "$OUT" ;;
+    gz/tqarchive) run "$1" "$2" sh -c "exec '$TQARCHIVE' gunzip -q -c '$I/big.bin.gz' > '$OUT/big.bin'" ;;
+    gz/gzip) run "$1" "$2" sh -c "exec gzip -dc '$I/big.bin.gz' > '$OUT/big.bin'" ;;
     esac
 }
-peers_of() {
+# The first peer is what the ratio is taken against.
+sides_of() {
     case $1 in
-    *-zip) echo "${ZIP_PEERS[@]}" ;;
-    *-tgz) echo bsdtar ;;
-    *-gz) echo gzip ;;
+    *-zip) echo bsdtar unzip tqarchive unsafe-paths library ;;
+    *-tgz) echo bsdtar tqarchive unsafe-paths library ;;
+    *-gz) echo gzip tqarchive ;;
     esac
 }
+
 for ((round = 1; round <= ROUNDS; round++)); do
     echo "Round $round of $ROUNDS ..."
     for name in small-zip small-tgz big-zip big-tgz big-gz; do
-        # Alternate which side goes first, so that neither always gets the warmer cache.
-        if ((round % 2)); then
-            one "$name" ours
-            for peer in $(peers_of "$name"); do one "$name" "$peer"; done
-        else
-            for peer in $(peers_of "$name"); do one "$name" "$peer"; done
-            one "$name" ours
-        fi
+        sides=($(sides_of "$name"))
+        # Alternate the order, so that no side always gets the warmer cache.
+        ((round % 2)) || sides=($(printf '%s\n' "${sides[@]}" | tac))
+        for side in "${sides[@]}"; do one "$name" "$side"; done
     done
 done
 
-python3 - "$RESULTS" "$SMALL_FILES" "$BIG_MIB" "$ROUNDS" <<'PY'
-import statistics, sys
-rows = [line.split() for line in open(sys.argv[1])]
-print()
-print("%s small files, one %s MiB file; median of %s rounds (cpu: user + system)" %
-      tuple(sys.argv[2:5]))
-print("%-10s %-7s %8s %8s %7s %8s %8s %7s %10s %10s %10s" %
-      ("case", "peer", "ours s", "peer s", "ratio", "ours cpu", "peer cpu", "ratio",
-       "ours KiB", "peer KiB", "out KiB"))
-cases = []
-for r in rows:
-    if r[1] != "ours" and (r[0], r[1]) not in cases:
-        cases.append((r[0], r[1]))
-def side(case, who):
-    return [r for r in rows if r[0] == case and r[1] == who]
-def median(rs, column):
-    return statistics.median(float(r[column]) for r in rs)
-for case, peer in cases:
-    o, p = side(case, "ours"), side(case, peer)
-    print("%-10s %-7s %8.2f %8.2f %6.3fx %8.2f %8.2f %6.3fx %10d %10d %10s" %
-          (case, peer, median(o, 2), median(p, 2), median(o, 2) / median(p, 2),
-           median(o, 3), median(p, 3), median(o, 3) / median(p, 3),
-           max(int(r[4]) for r in o), max(int(r[4]) for r in p), o[-1][5]))
-PY
+bench_report "$RESULTS"
