@@ -144,6 +144,12 @@ std::string tested(const fs::path& archive, const std::u16string& format, const 
                  base);
 }
 
+std::string rejectedPassword(const fs::path& dir, const std::string& archive) {
+    return sh(dir, "for i in $(seq 999); do bsdtar -xOf " + archive +
+                       " --passphrase w$i 2>&1 >/dev/null | grep -q 'Incorrect passphrase' && "
+                       "echo -n w$i && break; done");
+}
+
 std::shared_ptr<void> enter(const fs::path& folder) {
     const fs::path saved = fs::current_path();
     fs::current_path(folder);

@@ -56,6 +56,10 @@ std::string described(const std::vector<tessel::host::MessageIdError>& errors);
 std::string tested(const fs::path& archive, const std::u16string& format, const fs::path& base,
                    const std::string& password = "");
 
+// A password that libarchive refuses at once for the archive in the folder: encryption
+// headers are random, so a fixed wrong one passes the header check now and then.
+std::string rejectedPassword(const fs::path& dir, const std::string& archive);
+
 // Makes a folder the current one until the guard goes.
 std::shared_ptr<void> enter(const fs::path& folder);
 

@@ -50,84 +50,67 @@ TEST(GatewayAdditions, CountsAreCheckedBeforeAnyInputIsRead) {
     }
 }
 
+// Each call as "cell texts | warnings | error | what the output folder holds".
 TEST(GatewayAdditions, CellsHoldWhatTheAdditionsGive) {
-    REQUIRE_TOOLS("python3", "zip");
+    REQUIRE_TOOLS("python3", "zip", "7z", "bsdtar");
     TempDir dir;
     writeFile(dir / "d/a.bin", randomBytes(30000, 51));
     writeFile(dir / "d/b.txt", "b");
     sh(dir.path(),
        "zip -q -0 -r z.zip d && cp z.zip bad.zip && printf X | dd of=bad.zip bs=1 "
-       "seek=15000 conv=notrunc status=none && zip -q -P pw p.zip d/b.txt");
+       "seek=15000 conv=notrunc status=none && 7z a -tzip -bd -mem=AES256 -ppw p.zip "
+       "d/b.txt >/dev/null");
     python(dir.path(), "tar('up.tar', reg('ok.txt', b'ok'), reg('../evil.txt', b'E'))");
-    const std::string z = (dir / "z.zip").string(), out = (dir / "out").string();
-    const auto cells = [](const hxOutput& slot) {
-        std::string joined;
-        for (const auto& item : readHostCellStrings(slot.get())) {
-            joined += (joined.empty() ? "" : " ") + utf8(item);
-        }
-        return joined;
-    };
+    const auto at = [&](const std::string& name) { return text((dir / name).string()); };
+    const std::string wrong = rejectedPassword(dir.path(), "p.zip"), e = "TESSEL:io:archive:";
     struct Case {
         Gateway gateway;
         std::vector<hxArray*> inputs;
-        std::string cell, warnings, raised;  // the cell's texts joined by spaces
+        std::string expected;
     };
-    const std::string base = dir.path().string();
-    std::vector<Case> cases;
-    cases.push_back({listArchiveBuiltin, {text(z), text("zip")}, "d/ d/a.bin d/b.txt", "", ""});
+    std::vector<Case> cases;  // pushed one by one: the inputs are owned by the calls
     cases.push_back(
-        {listArchiveBuiltin, {text(base + "/p.zip"), text("zip"), text("pw")}, "d/b.txt", "", ""});
-    cases.push_back({testArchiveBuiltin, {text(z), text("zip")}, "", "", ""});
+        {listArchiveBuiltin, {at("z.zip"), text("zip")}, "d/ d/a.bin d/b.txt |  |  | "});
+    cases.push_back(
+        {listArchiveBuiltin, {at("p.zip"), text("zip"), text("pw")}, "d/b.txt |  |  | "});
+    cases.push_back({testArchiveBuiltin, {at("z.zip"), text("zip")}, " |  |  | "});
     cases.push_back({testArchiveBuiltin,
-                     {text(base + "/bad.zip"), text("zip")},
-                     "d/a.bin",
-                     "TESSEL:io:archive:testArchive:damagedEntry",
-                     ""});
+                     {at("bad.zip"), text("zip")},
+                     "d/a.bin | " + e + "testArchive:damagedEntry |  | "});
     cases.push_back({testArchiveBuiltin,
-                     {text(base + "/p.zip"), text("zip"), text("no")},
-                     "",
-                     "",
-                     "TESSEL:io:archive:extractArchive:incorrectPassword"});
+                     {at("p.zip"), text("zip"), text(wrong)},
+                     " |  | " + e + "extractArchive:incorrectPassword | "});
+    cases.push_back(
+        {extractArchiveConfinedBuiltin,
+         {at("z.zip"), at("out"), text("zip")},
+         "~/out/d/ ~/out/d/a.bin ~/out/d/b.txt |  |  | d/ d/a.bin=[30000:78613] d/b.txt=b"});
     cases.push_back({extractArchiveConfinedBuiltin,
-                     {text(z), text(out), text("zip")},
-                     "~/out/d/ ~/out/d/a.bin ~/out/d/b.txt",
-                     "",
-                     ""});
-    cases.push_back({extractArchiveConfinedBuiltin,
-                     {text(z), text(out), text("zip"), createHostStringArray({u"d/b.txt"})},
-                     "~/out/d/b.txt",
-                     "",
-                     ""});
+                     {at("z.zip"), at("out"), text("zip"), createHostStringArray({u"d/b.txt"})},
+                     "~/out/d/b.txt |  |  | d/ d/b.txt=b"});
     // The rest is extracted before the pattern that matched nothing is raised.
+    cases.push_back(
+        {extractArchiveConfinedBuiltin,
+         {at("p.zip"), at("out"), text("zip"), createHostStringArray({u"no*", u"d"}), text("pw")},
+         " |  | " + e + "extractArchive:entryNotFound | d/ d/b.txt=b"});
     cases.push_back({extractArchiveConfinedBuiltin,
-                     {text(base + "/p.zip"), text(out), text("zip"),
-                      createHostStringArray({u"nothing*", u"d"}), text("pw")},
-                     "",
-                     "",
-                     "TESSEL:io:archive:extractArchive:entryNotFound"});
-    cases.push_back({extractArchiveConfinedBuiltin,
-                     {text(base + "/up.tar"), text(out), text("tar")},
-                     "",
-                     "",
-                     "TESSEL:io:archive:extractArchive:entryOutsideFolder"});
-    std::vector<std::string> left;
+                     {at("up.tar"), at("out"), text("tar")},
+                     " |  | " + e + "extractArchive:entryOutsideFolder | "});
     for (Case& c : cases) {
-        fs::remove_all(out);
+        fs::remove_all(dir / "out");
         WarningCapture warnings;
         hxOutput slot;
-        Inputs inputs(c.inputs);
-        const auto raised = inputs.call(c.gateway, slot);
-        EXPECT_EQ(raised ? raised->identifier : "", c.raised);
-        EXPECT_EQ(slot ? shown(cells(slot), dir.path()) : "", c.cell);
-        std::string issued;
+        const auto raised = Inputs(c.inputs).call(c.gateway, slot);
+        std::string cell, issued;
+        for (const auto& item : slot ? readHostCellStrings(slot.get()) : Paths{}) {
+            cell += (cell.empty() ? "" : " ") + utf8(item);
+        }
         for (const auto& warning : warnings.warnings()) {
             issued += warning.identifier;
         }
-        EXPECT_EQ(issued, c.warnings);
-        left.push_back(listing(out));
+        EXPECT_EQ(shown(cell, dir.path()) + " | " + issued + " | " +
+                      (raised ? raised->identifier : "") + " | " + listing(dir / "out"),
+                  c.expected);
     }
-    EXPECT_EQ(left[7], "d/ d/b.txt=b");
-    EXPECT_EQ(left[8], "");
     EXPECT_FALSE(fs::exists(dir / "evil.txt"));
 }
 

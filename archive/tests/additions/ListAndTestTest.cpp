@@ -1,5 +1,5 @@
 // listArchive against what Python's zipfile and tarfile and bsdtar see in archives that
-// Info-ZIP, 7z and GNU tar made; testArchive on sound, damaged, truncated and encrypted ones.
+// Info-ZIP and GNU tar made; testArchive on sound, damaged, truncated and encrypted ones.
 #include <gtest/gtest.h>
 
 #include "AdditionsSupport.hpp"
@@ -57,19 +57,14 @@ struct ToolArchive {
 };
 
 TEST(ListArchive, AgreesWithPythonAndBsdtar) {
-    REQUIRE_TOOLS("python3", "bsdtar", "zip", "tar", "7z");
+    REQUIRE_TOOLS("python3", "bsdtar", "zip", "tar");
     TempDir dir;
-    std::string text;
-    for (int i = 0; i < 1000; ++i) {
-        text += "line " + std::to_string(i) + "\n";
-    }
-    writeFile(dir / "top/a.txt", text);
+    writeFile(dir / "top/a.txt", std::string(9000, 'a'));
     writeFile(dir / "top/r.bin", randomBytes(5000, 31));
     sh(dir.path(),
        ": > top/empty.txt && mkdir top/sub && ln -s a.txt top/link && ln top/a.txt "
-       "top/h.txt && zip -q -r -y z.zip top && zip -q -r -y -P pw e.zip top && 7z a "
-       "-tzip -bd -mem=AES256 -ppw aes.zip top '-x!top/link' >/dev/null && tar cf g.tar top && tar "
-       "czf g.tgz top");
+       "top/h.txt && zip -q -r -y z.zip top && zip -q -r -y -P pw e.zip top && tar cf g.tar "
+       "top && tar czf g.tgz top");
     const std::vector<ToolArchive> archives = {{"z.zip", "zip", ""},
                                                {"e.zip", "zip", "pw"},
                                                {"g.tar", "tar", ""},
@@ -85,13 +80,6 @@ TEST(ListArchive, AgreesWithPythonAndBsdtar) {
                           [&](const core::EntryInfo& e) { names += utf8(e.name) + "\n"; });
         EXPECT_EQ(names, sh(dir.path(), "bsdtar -tf " + a.archive)) << a.archive;
     }
-    // AES (without the link, whose data libarchive cannot decrypt): 7z's view of sizes and
-    // encryption, the compressed sizes with the AES header and authentication code.
-    EXPECT_EQ(listed(dir / "aes.zip", u"zip", "pw"),
-              sh(dir.path(),
-                 "7z l -slt aes.zip | awk -F' = ' '/^Path/{p=$2} /^Folder/{d=$2} "
-                 "/^Size/{s=$2} /^Packed Size/{c=$2} /^Encrypted/{print p (d==\"+\"?\"/ "
-                 "folder\":\" file\"), s, (d==\"+\"?\"-\":c), ($2==\"+\"?\"enc\":\"plain\")}'"));
 }
 
 struct Tested {
@@ -118,7 +106,8 @@ TEST(TestArchive, ReportsDamagePerEntryAndRaisesWhatCannotBeRead) {
         {"cut.tgz", "tgz", "",
          "read 0 testArchive:damagedEntry(big.bin;~/cut.tgz;truncated gzip input)"},
         {"aes.zip", "zip", "pw", "read 2"},
-        {"aes.zip", "zip", "wrong", "!extractArchive:incorrectPassword"},
+        {"aes.zip", "zip", rejectedPassword(dir.path(), "aes.zip"),
+         "!extractArchive:incorrectPassword"},
         {"aes.zip", "zip", "", "!extractArchive:unableToWrite"},
     };
     for (const Tested& c : cases) {

@@ -121,41 +121,34 @@ TEST(Names, PathTextsWithNulOrLoneSurrogatesAreRefused) {
                          gz = u16(dir / "in.txt.gz");
     const std::string n = "!TESSEL:host:pathHasNulCharacter(",
                       s = "!TESSEL:host:pathHasLoneSurrogate(";
+    const auto create = [](std::u16string archive, std::u16string file, std::u16string name) {
+        return [=] { return core::createArchive(archive, {file}, {name}, u"zip"); };
+    };
+    const auto extract = [](std::u16string archive, std::u16string folder) {
+        return [=] { return core::extractArchive(archive, folder, u"zip", u""); };
+    };
+    const auto gzip = [](Paths files, std::u16string folder) {
+        return [=] { return core::compressgz(files, folder); };
+    };
+    const auto gunzip = [](Paths files, std::u16string folder, bool exact) {
+        return [=] { return core::uncompressgz(files, folder, exact); };
+    };
     const std::vector<std::pair<std::function<Paths()>, std::string>> cases = {
-        {[&] {
-             return core::createArchive(u16(d / "keep.txt") + nul + u".zip", {in}, {u"in.txt"},
-                                        u"zip");
-         },
+        {create(u16(d / "keep.txt") + nul + u".zip", in, u"in.txt"),
          n + "archivePath;~/d/keep.txt\\000.zip)"},
-        {[&] {
-             return core::createArchive(u16(d / "keep") + high + u"X.zip", {in}, {u"in.txt"},
-                                        u"zip");
-         },
+        {create(u16(d / "keep") + high + u"X.zip", in, u"in.txt"),
          s + "archivePath;~/d/keep\\uD800X.zip)"},
-        {[&] {
-             return core::createArchive(u16(d / "new.zip"), {in + nul + u"x"}, {u"in.txt"}, u"zip");
-         },
-         n + "files[0];~/d/in.txt\\000x)"},
-        {[&] {
-             return core::createArchive(u16(d / "new.zip"), {in}, {u"in" + low + u".txt"}, u"zip");
-         },
-         s + "entryNames[0];in\\uDC00.txt)"},
-        {[&] { return core::extractArchive(zip + nul + u"x", u16(d), u"zip", u""); },
-         n + "archivePath;~/a.zip\\000x)"},
-        {[&] { return core::extractArchive(zip, u16(d / "o") + highLast + u"ut", u"zip", u""); },
-         s + "outputFolder;~/d/o\\uDBFFut)"},
-        {[&] { return core::compressgz({in + nul + u"x"}, u""); },
-         n + "files[0];~/d/in.txt\\000x)"},
+        {create(u16(d / "new.zip"), in + nul + u"x", u"in.txt"), n + "files[0];~/d/in.txt\\000x)"},
+        {create(u16(d / "new.zip"), in, u"in" + low + u".txt"), s + "entryNames[0];in\\uDC00.txt)"},
+        {extract(zip + nul + u"x", u16(d)), n + "archivePath;~/a.zip\\000x)"},
+        {extract(zip, u16(d / "o") + highLast + u"ut"), s + "outputFolder;~/d/o\\uDBFFut)"},
+        {gzip({in + nul + u"x"}, u""), n + "files[0];~/d/in.txt\\000x)"},
         // Before anything is written: not even the first of a list.
-        {[&] {
-             return core::compressgz({u16(d / "keep.txt"), in + nul}, u"");
-         },
-         n + "files[1];~/d/in.txt\\000)"},
-        {[&] { return core::compressgz({in}, u16(d) + high); }, s + "outputFolder;~/d\\uD800)"},
-        {[&] { return core::uncompressgz({u16(d / "keep.txt") + nul + u".gz"}, u"", false); },
+        {gzip({u16(d / "keep.txt"), in + nul}, u""), n + "files[1];~/d/in.txt\\000)"},
+        {gzip({in}, u16(d) + high), s + "outputFolder;~/d\\uD800)"},
+        {gunzip({u16(d / "keep.txt") + nul + u".gz"}, u"", false),
          n + "files[0];~/d/keep.txt\\000.gz)"},
-        {[&] { return core::uncompressgz({gz}, u16(d / "in.txt") + nul + u"x", true); },
-         n + "outputFolder;~/d/in.txt\\000x)"},
+        {gunzip({gz}, u16(d / "in.txt") + nul + u"x", true), n + "outputFolder;~/d/in.txt\\000x)"},
     };
     for (const auto& [call, expected] : cases) {
         EXPECT_EQ(outcome(call, dir.path()), expected);
