@@ -38,18 +38,20 @@ std::string listed(const fs::path& archive, const std::u16string& format,
     return text;
 }
 
+// The same lines from Python, for each archive named, after "== archive".
 const char* kPythonListing = R"(python3 -c "
 import sys, stat, tarfile, zipfile
-a = sys.argv[1]
-if a.endswith('.zip'):
-    for i in zipfile.ZipFile(a).infolist():
-        kind = 'folder' if i.is_dir() else 'link' if stat.S_ISLNK(i.external_attr >> 16) else 'file'
-        size = 0 if kind == 'link' else i.file_size  # a link has no size, as in bsdtar and tar
-        print(i.filename, kind, size, i.compress_size if kind == 'file' else '-', 'enc' if i.flag_bits & 1 else 'plain')
-else:
-    for m in tarfile.open(a):
-        kind = {tarfile.DIRTYPE: 'folder', tarfile.SYMTYPE: 'link', tarfile.LNKTYPE: 'hardlink'}.get(m.type, 'file')
-        print(m.name + ('/' if m.isdir() else ''), kind, m.size, '-', 'plain')
+for a in sys.argv[1:]:
+    print('==', a)
+    if a.endswith('.zip'):
+        for i in zipfile.ZipFile(a).infolist():
+            kind = 'folder' if i.is_dir() else 'link' if stat.S_ISLNK(i.external_attr >> 16) else 'file'
+            size = 0 if kind == 'link' else i.file_size  # a link has no size, as in bsdtar and tar
+            print(i.filename, kind, size, i.compress_size if kind == 'file' else '-', 'enc' if i.flag_bits & 1 else 'plain')
+    else:
+        for m in tarfile.open(a):
+            kind = {tarfile.DIRTYPE: 'folder', tarfile.SYMTYPE: 'link', tarfile.LNKTYPE: 'hardlink'}.get(m.type, 'file')
+            print(m.name + ('/' if m.isdir() else ''), kind, m.size, '-', 'plain')
 ")";
 
 struct ToolArchive {
@@ -70,16 +72,17 @@ TEST(ListArchive, AgreesWithPythonAndBsdtar) {
                                                {"g.tar", "tar", ""},
                                                {"g.tgz", "tgz", ""},
                                                {"g.tgz", "all", ""}};
+    std::string ours, names, named;
     for (const ToolArchive& a : archives) {
-        EXPECT_EQ(listed(dir / a.archive, u16(a.format), a.password),
-                  sh(dir.path(), std::string(kPythonListing) + " " + a.archive))
-            << a.archive;
+        ours += "== " + a.archive + "\n" + listed(dir / a.archive, u16(a.format), a.password);
+        named += " " + a.archive;
         // Names in archive order, folders with their "/", as bsdtar prints them.
-        std::string names;
+        names.clear();
         core::listArchive(u16(dir / a.archive), u16(a.format), {},
                           [&](const core::EntryInfo& e) { names += utf8(e.name) + "\n"; });
         EXPECT_EQ(names, sh(dir.path(), "bsdtar -tf " + a.archive)) << a.archive;
     }
+    EXPECT_EQ(ours, sh(dir.path(), kPythonListing + named));
 }
 
 struct Tested {
