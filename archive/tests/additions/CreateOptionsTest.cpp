@@ -24,7 +24,9 @@ TEST(RoundTrip, SizesAtTheEdgesOfTheCopyChunkInEveryFormat) {
         files.push_back(u16(dir / "src" / name));
         names.push_back(u16(name));
     }
-    const std::string compare = " && for f in src/*; do cmp \"$f\" \"$O/${f#src/}\"; done";
+    // Names each file of $O that differs from its source or is missing.
+    const std::string compare =
+        " && for f in src/*; do cmp -s \"$f\" \"$O/${f#src/}\" || echo \"$O/${f#src/}\"; done";
     for (const std::string format : {"zip", "tar", "tgz"}) {
         const fs::path archive = dir / ("r." + format);
         EXPECT_EQ(core::createArchive(u16(archive), files, names, u16(format)), names);
@@ -37,8 +39,8 @@ TEST(RoundTrip, SizesAtTheEdgesOfTheCopyChunkInEveryFormat) {
     const Paths gz = core::compressgz(files, u16(dir / "gz"));
     core::uncompressgz(gz, u16(dir / "ours-gz"), false);
     EXPECT_EQ(sh(dir.path(), "O=ours-gz" + compare +
-                                 " && for f in src/*; do gzip -dc "
-                                 "\"gz/${f#src/}.gz\" | cmp - \"$f\"; done"),
+                                 " && for f in src/*; do gzip -dc \"gz/${f#src/}.gz\" | cmp -s - "
+                                 "\"$f\" || echo \"$f\"; done"),
               "");
 }
 
@@ -103,9 +105,9 @@ TEST(ReportFinalClose, NoSuccessWithAnIncompleteFileOnADiskSweptInSmallSteps) {
     const std::vector<Format> formats = {
         {"zip", "unzip -tq $A", "TESSEL:io:archive:zip:DiskSpaceFull"},
         {"tar", "cmp -s $A ref.tar", "TESSEL:io:archive:tar:DiskSpaceFull"},
-        {"tgz", "(gzip -dc $A | cmp -s - ref.tar) 2>/dev/null",
+        {"tgz", "(gzip -t $A && gzip -dc $A | cmp -s - ref.tar) 2>/dev/null",
          "TESSEL:io:archive:tar:DiskSpaceFull"},
-        {"gz", "(gzip -dc $A | cmp -s - in.bin) 2>/dev/null",
+        {"gz", "(gzip -t $A && gzip -dc $A | cmp -s - in.bin) 2>/dev/null",
          "TESSEL:io:archive:gzip:outputDiskFull"},
     };
     const fs::path disk = dir / "disk";
@@ -157,11 +159,7 @@ TEST(ReportFinalClose, NoSuccessWithAnIncompleteFileOnADiskSweptInSmallSteps) {
 TEST(CreateOptions, EachTarFilterRoundTripsThroughBsdtar) {
     REQUIRE_TOOLS("bsdtar", "od");
     TempDir dir;
-    std::string text;
-    for (int i = 0; i < 2000; ++i) {
-        text += "line " + std::to_string(i) + "\n";
-    }
-    writeFile(dir / "a.txt", text);
+    writeFile(dir / "a.txt", std::string(20000, 'x'));
     // Each filter's leading bytes, in hex.
     const std::vector<std::pair<std::string, std::string>> filters = {
         {"gzip", "1f8b"},    {"bzip2", "425a68"}, {"xz", "fd377a585a00"}, {"zstd", "28b52ffd"},

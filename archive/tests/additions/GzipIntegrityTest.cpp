@@ -98,7 +98,13 @@ TEST(GzipIntegrity, GunzipRefusesToWriteOntoItsInput) {
     sh(dir.path(), "printf data | gzip > noext && cp noext keep.gz");
     const std::string before = readFile(dir / "noext");
     const auto here = enter(dir.path());
-    const std::vector<std::tuple<Paths, std::u16string, bool, std::string>> cases = {
+    struct Gunzip {
+        Paths files;
+        std::u16string folder;
+        bool exact;
+        std::string expected;
+    };
+    const std::vector<Gunzip> cases = {
         {{u16(dir / "noext")}, u"", false, "!gunzip:outputIsInput(~/noext)"},
         {{u16(dir / "noext")}, u16(dir.path()), false, "!gunzip:outputIsInput(~/noext)"},
         {{u"noext"}, u"", false, "!gunzip:outputIsInput(noext)"},
@@ -108,9 +114,10 @@ TEST(GzipIntegrity, GunzipRefusesToWriteOntoItsInput) {
         {{u"keep.gz", u"noext"}, u"", false, "!gunzip:outputIsInput(noext)"},
         {{u16(dir / "noext")}, u16(dir / "elsewhere"), false, "~/elsewhere/noext"},
     };
-    for (const auto& [files, folder, exact, expected] : cases) {
-        EXPECT_EQ(outcome([&] { return core::uncompressgz(files, folder, exact); }, dir.path()),
-                  expected);
+    for (const auto& c : cases) {
+        EXPECT_EQ(
+            outcome([&] { return core::uncompressgz(c.files, c.folder, c.exact); }, dir.path()),
+            c.expected);
     }
     EXPECT_EQ(readFile(dir / "noext"), before);
     EXPECT_EQ(readFile(dir / "keep.gz"), before);

@@ -36,7 +36,7 @@ struct Kind {
     std::string fullModesAsNobody = "", plainAsNobody = "";  // where different
 };
 
-std::string cells(const std::vector<Kind>& kinds, bool asRoot) {
+std::string expectedLines(const std::vector<Kind>& kinds, bool asRoot) {
     std::string text;
     for (const Kind& kind : kinds) {
         text +=
@@ -56,7 +56,8 @@ std::string extractAll(const std::vector<Kind>& kinds, const fs::path& dir) {
     for (const Kind& kind : kinds) {
         const std::u16string archive = u16(dir / (kind.entry + ".tar"));
         std::vector<std::string> cells;
-        for (const auto& [set, options] : sets) {
+        for (const auto& [set, chosen] : sets) {
+            const std::optional<core::ExtractOptions>& options = chosen;  // for the lambda
             const std::u16string out = u16(dir / set / kind.entry);
             std::string said = outcome(
                 [&] {
@@ -87,52 +88,22 @@ TEST(SafeModes, DevicesSetIdBitsOpenModesAndLinksPointingOut) {
     const auto refused = [](const std::string& entry) {
         return "none ?createArchive:openEntryError(~/plain/" + entry + "/" + entry + ")";
     };
+    const std::string setUid = "-6755", restricted = "-0755";
     const std::vector<Kind> kinds = {
-        {.entry = "disk",
-         .member = "node('disk', tarfile.BLKTYPE, 8, 0)",
-         .safe = skipped("disk"),
-         .fullModes = skipped("disk"),
-         .plain = "b0666",
-         .plainAsNobody = refused("disk")},
-        {.entry = "null",
-         .member = "node('null', tarfile.CHRTYPE, 1, 3)",
-         .safe = skipped("null"),
-         .fullModes = skipped("null"),
-         .plain = "c0666",
-         .plainAsNobody = refused("null")},
-        {.entry = "fifo",
-         .member = "node('fifo', tarfile.FIFOTYPE)",
-         .safe = skipped("fifo"),
-         .fullModes = skipped("fifo"),
-         .plain = "p0666"},
+        {"disk", "node('disk', tarfile.BLKTYPE, 8, 0)", skipped("disk"), skipped("disk"), "b0666",
+         "", refused("disk")},
+        {"null", "node('null', tarfile.CHRTYPE, 1, 3)", skipped("null"), skipped("null"), "c0666",
+         "", refused("null")},
+        {"fifo", "node('fifo', tarfile.FIFOTYPE)", skipped("fifo"), skipped("fifo"), "p0666"},
         // Root's in the archive: set-user-ID root when restored as it stands (by root only).
-        {.entry = "suid.sh",
-         .member = "reg('suid.sh', b'#!/bin/sh\\n', 0o6755, owner=0)",
-         .safe = "-0755",
-         .fullModes = "-6755",
-         .plain = "-6755",
-         .fullModesAsNobody = "-0755",
-         .plainAsNobody = "-0755"},
-        {.entry = "ww.txt",
-         .member = "reg('ww.txt', b'w', 0o1777)",
-         .safe = "-0755",
-         .fullModes = "-1777",
-         .plain = "-1777"},
-        {.entry = "cfg",
-         .member = "sym('cfg', '/etc/shadow')",
-         .safe = pointsOut("cfg", "/etc/shadow"),
-         .fullModes = pointsOut("cfg", "/etc/shadow"),
-         .plain = "l->/etc/shadow"},
-        {.entry = "up",
-         .member = "sym('up', '../../..')",
-         .safe = pointsOut("up", "../../.."),
-         .fullModes = pointsOut("up", "../../.."),
-         .plain = "l->../../.."},
-        {.entry = "in",
-         .member = "sym('in', 'x.txt')",
-         .safe = "l->x.txt",
-         .fullModes = "l->x.txt",
-         .plain = "l->x.txt"},
+        {"suid.sh", "reg('suid.sh', b'#!/bin/sh\\n', 0o6755, owner=0)", restricted, setUid, setUid,
+         restricted, restricted},
+        {"ww.txt", "reg('ww.txt', b'w', 0o1777)", restricted, "-1777", "-1777"},
+        {"cfg", "sym('cfg', '/etc/shadow')", pointsOut("cfg", "/etc/shadow"),
+         pointsOut("cfg", "/etc/shadow"), "l->/etc/shadow"},
+        {"up", "sym('up', '../../..')", pointsOut("up", "../../.."), pointsOut("up", "../../.."),
+         "l->../../.."},
+        {"in", "sym('in', 'x.txt')", "l->x.txt", "l->x.txt", "l->x.txt"},
     };
     for (const bool asRoot : {true, false}) {
         if (asRoot && ::geteuid() != 0) {
@@ -147,7 +118,7 @@ TEST(SafeModes, DevicesSetIdBitsOpenModesAndLinksPointingOut) {
         python(dir.path(), make);
         EXPECT_EQ(runInChild([&] { return extractAll(kinds, dir.path()); },
                              asRoot ? std::function<std::string()>() : dropPrivileges),
-                  cells(kinds, asRoot))
+                  expectedLines(kinds, asRoot))
             << (asRoot ? "as root" : "as nobody");
     }
     if (::geteuid() != 0) {
