@@ -14,6 +14,7 @@
 #include <archive/core/objects/copyFileContent.hpp>
 #include <archive/core/rethrowAsHostError.hpp>
 #include <host/HostPath.hpp>
+#include <host/TextConversion.hpp>
 
 namespace tessel::io::archive::core {
 
@@ -68,6 +69,11 @@ std::vector<std::u16string> compressgz(const std::vector<std::u16string>& files,
     if (files.empty()) {
         return written;
     }
+    // Refused before anything is written, rather than cut or altered on the way.
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        tessel::host::requireFileSystemName(files[i], "files[" + std::to_string(i) + "]");
+    }
+    tessel::host::requireFileSystemName(outputFolder, "outputFolder");
 
     std::unique_ptr<CopyBuffer> buffer;
     std::unique_ptr<ArchiveObjectReader> reader;

@@ -19,7 +19,8 @@ TEST(Names, Latin1NameOnDiskComesBackAsTheSameBytes) {
     TempDir dir;
     writeFile(dir / "src" / kLatin1, "latin");
     const std::u16string file = u16(dir / "src" / kLatin1), name = u16(kLatin1);
-    // Packed without a word, also when refused entries are to be left out (s.tar, s.zip).
+    // Packed whole. libarchive's tar writer warns that it stored the name as bytes: the plain
+    // entry point passes every header warning on; the options pass on refusals only.
     core::CreateOptions skip;
     skip.skipRefusedEntries = true;
     const std::vector<std::function<Paths()>> creations = {
@@ -32,7 +33,10 @@ TEST(Names, Latin1NameOnDiskComesBackAsTheSameBytes) {
             return core::createArchiveWithOptions(u16(dir / "s.zip"), {file}, {name}, u"zip", skip);
         }};
     for (std::size_t i = 0; i < creations.size(); ++i) {
-        EXPECT_EQ(outcome(creations[i], dir.path()), "\\351t\\351.txt") << "creation " << i;
+        EXPECT_EQ(outcome(creations[i], dir.path()),
+                  i == 0 ? "\\351t\\351.txt ?createArchive:openEntryError(\\351t\\351.txt)"
+                         : "\\351t\\351.txt")
+            << "creation " << i;
     }
     // The stored bytes and content, as Python reads them (a zip name without the UTF-8 flag
     // is CP437 to Python), and bsdtar's listing of the tar.
