@@ -83,12 +83,7 @@ CreatorSetup creatorSetup(const CreateOptions& options) {
         case NullArchiveRule::Cancelled:
             messages::cancelled().raise();
         default:
-            break;
-    }
-    try {
-        throw failure;
-    } catch (...) {
-        rethrowAsHostError();
+            rethrowAsHostError(failure);
     }
 }
 

@@ -14,6 +14,7 @@
 #include <archive/core/objects/ArchiveFormat.hpp>
 #include <archive/core/objects/DataBlock.hpp>
 #include <archive/core/objects/copyEntryData.hpp>
+#include <archive/core/openArchiveReader.hpp>
 #include <archive/core/raiseExtractionError.hpp>
 #include <archive/core/rethrowAsHostError.hpp>
 #include <archive/core/setEntryOutputPath.hpp>
@@ -107,10 +108,8 @@ std::vector<std::u16string> extractEntries(const std::u16string& archivePath,
     };
     try {
         // Refused before anything is opened, rather than cut or altered on the way.
-        tessel::host::requireFileSystemName(archivePath, "archivePath");
         tessel::host::requireFileSystemName(outputFolder, "outputFolder");
-        reader = std::make_unique<ArchiveDiskReader>(HostPath::fromText(archivePath), format,
-                                                     options.password, readerSetup(options));
+        reader = openArchiveReader(archivePath, format, options, readerSetup(options));
         writer = makeWriter(outputFolder, options);
         const EntrySafety safety(options, HostPath(writer->outputFolder()));
         const auto report = [&](bool started) {

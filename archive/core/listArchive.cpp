@@ -6,6 +6,7 @@
 #include <archive/core/objects/ArchiveDiskReader.hpp>
 #include <archive/core/objects/ArchiveFormat.hpp>
 #include <archive/core/objects/DataBlock.hpp>
+#include <archive/core/openArchiveReader.hpp>
 #include <archive/core/raiseExtractionError.hpp>
 #include <archive/core/readEntryInfo.hpp>
 #include <archive/core/rethrowAsHostError.hpp>
@@ -22,13 +23,9 @@ void listArchive(const std::u16string& archivePath, const std::u16string& format
     const ArchiveFormat format = archiveFormatFromText(formatText);
     ExtractionFailureContext context;
     try {
-        if (options.inputDescriptor < 0) {
-            tessel::host::requireFileSystemName(archivePath, "archivePath");
-        }
-        ReaderSetup setup;
-        setup.inputDescriptor = options.inputDescriptor;
-        ArchiveDiskReader reader(tessel::host::HostPath::fromText(archivePath), format,
-                                 options.password, std::move(setup));
+        const std::unique_ptr<ArchiveDiskReader> opened =
+            openArchiveReader(archivePath, format, options, ReaderSetup{});
+        ArchiveDiskReader& reader = *opened;
         ::archive_entry* entry = nullptr;
         while (reader.readNextHeader(&entry) == 1) {
             EntryInfo info = readEntryInfo(entry);

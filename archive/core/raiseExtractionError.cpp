@@ -4,6 +4,7 @@
 #include <archive/core/error/messages/untar.hpp>
 #include <archive/core/error/messages/unzip.hpp>
 #include <archive/core/rethrowAsHostError.hpp>
+#include <archive/core/translateExtractFailure.hpp>
 #include <host/HostError.hpp>
 
 namespace tessel::io::archive::core {
@@ -31,21 +32,6 @@ void raiseExtractionError(const ArchiveException& failure, const std::u16string&
                 raiseDamaged(archivePath, format);
             }
             messages::extractArchive::writeError(failure.message).raise();
-        case NullArchiveRule::PasswordProtected:
-            messages::extractArchive::unableToWrite(
-                archivePath,
-                tessel::host::lookupMessage("TESSEL:io:archive:extractArchive:protectedEntry"))
-                .raise();
-        case NullArchiveRule::IncorrectPassphrase:
-            messages::extractArchive::incorrectPassword().raise();
-        case NullArchiveRule::EmptyEntryFilename:
-            messages::extractArchive::emptyEntryFilename(
-                std::u16string(format == ArchiveFormat::Zip ? u"zip" : u"tar"), archivePath)
-                .raise();
-        case NullArchiveRule::DiskSpaceFull:
-            messages::extractArchive::outputDiskFull().raise();
-        case NullArchiveRule::CryptoUnsupported:
-            messages::extractArchive::unsupportedEncryptionInLinux().raise();
         case NullArchiveRule::EntryOutsideFolder:
             messages::extractArchive::entryOutsideFolder(context.entry, archivePath).raise();
         case NullArchiveRule::EntryThroughSymlink:
@@ -56,12 +42,8 @@ void raiseExtractionError(const ArchiveException& failure, const std::u16string&
         case NullArchiveRule::Cancelled:
             messages::extractArchive::cancelled().raise();
         default:
-            break;
-    }
-    try {
-        throw failure;
-    } catch (...) {
-        rethrowAsHostError();
+            raiseSharedExtractionError(failure.rule, archivePath, format);
+            rethrowAsHostError(failure);
     }
 }
 

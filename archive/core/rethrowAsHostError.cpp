@@ -17,4 +17,12 @@ void rethrowAsHostError() {
     }
 }
 
+void rethrowAsHostError(const ArchiveException& failure) {
+    try {
+        throw failure;
+    } catch (...) {
+        rethrowAsHostError();
+    }
+}
+
 }  // namespace tessel::io::archive::core

@@ -7,4 +7,8 @@ namespace tessel::io::archive::core {
 // becomes "TESSEL:io:archive:extractArchive:internalError". Never returns.
 [[noreturn]] void rethrowAsHostError();
 
+class ArchiveException;
+// The same for a failure caught earlier and translated no further.
+[[noreturn]] void rethrowAsHostError(const ArchiveException& failure);
+
 }  // namespace tessel::io::archive::core

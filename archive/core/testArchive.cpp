@@ -9,6 +9,7 @@
 #include <archive/core/objects/ArchiveDiskReader.hpp>
 #include <archive/core/objects/ArchiveFormat.hpp>
 #include <archive/core/objects/DataBlock.hpp>
+#include <archive/core/openArchiveReader.hpp>
 #include <archive/core/raiseExtractionError.hpp>
 #include <archive/core/readEntryInfo.hpp>
 #include <archive/core/rethrowAsHostError.hpp>
@@ -52,19 +53,16 @@ TestReport testArchive(const std::u16string& archivePath, const std::u16string& 
     TestReport report;
     ExtractionFailureContext context;
     try {
-        if (options.inputDescriptor < 0) {
-            tessel::host::requireFileSystemName(archivePath, "archivePath");
-        }
         ReaderSetup setup;
-        setup.inputDescriptor = options.inputDescriptor;
         if (format == ArchiveFormat::Gz) {
             setup.trackDataCrc = true;
         } else {
             setup.gzipCheck =
                 options.gzipCheck ? options.gzipCheck : StreamCheckFactory(makeGzipStreamCheck);
         }
-        ArchiveDiskReader reader(tessel::host::HostPath::fromText(archivePath), format,
-                                 options.password, std::move(setup));
+        const std::unique_ptr<ArchiveDiskReader> opened =
+            openArchiveReader(archivePath, format, options, std::move(setup));
+        ArchiveDiskReader& reader = *opened;
         DataBlock block;
         std::function<bool()> afterBlock;
         if (options.progress) {

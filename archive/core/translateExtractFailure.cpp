@@ -35,6 +35,16 @@ void translateExtractFailure(const ArchiveException& failure, const std::u16stri
                 messages::unzip::invalidZipFile(archivePath).raise();
             }
             return;
+        default:
+            raiseSharedExtractionError(rule, archivePath, format);
+            return;
+    }
+}
+
+void raiseSharedExtractionError(NullArchiveRule rule, const std::u16string& archivePath,
+                                ArchiveFormat format) {
+    namespace messages = TESSEL::io::archive;
+    switch (rule) {
         case NullArchiveRule::PasswordProtected:
             messages::extractArchive::unableToWrite(
                 archivePath,

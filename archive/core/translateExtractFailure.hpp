@@ -16,4 +16,10 @@ void translateExtractFailure(const ArchiveException& failure, const std::u16stri
                              const std::unique_ptr<ArchiveDiskWriter>& writer,
                              ArchiveFormat format);
 
+// The rows of that table that every extraction shares, the additions included: a password
+// missing or wrong, decryption unavailable, an empty entry name, a full disk. Raises for
+// those; returns for any other rule.
+void raiseSharedExtractionError(NullArchiveRule rule, const std::u16string& archivePath,
+                                ArchiveFormat format);
+
 }  // namespace tessel::io::archive::core
