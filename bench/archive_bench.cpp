@@ -58,12 +58,15 @@ long long run(const std::string& mode, int argc, char** argv) {
     }
     // The additions as the command-line tool uses them: confined with every safe mode, or
     // with --unsafe-paths (confinement and safe modes off, cleanup and safe writes on).
-    if ((mode == "extract-safe" || mode == "extract-unsafe") && argc == 5) {
+    // extract-direct: confined, but existing files replaced in place (no safe writes).
+    if ((mode == "extract-safe" || mode == "extract-unsafe" || mode == "extract-direct") &&
+        argc == 5) {
         core::ExtractOptions options = core::ExtractOptions::safe();
         if (mode == "extract-unsafe") {
             options.confine = options.skipSpecialFiles = options.restrictPermissions =
                 options.refuseOutwardLinks = false;
         }
+        options.safeWrites = mode != "extract-direct";
         return static_cast<long long>(
             core::extractArchiveWithOptions(u16(argv[3]), u16(argv[4]), u16(argv[2]), options)
                 .written.size());
@@ -97,7 +100,8 @@ int main(int argc, char** argv) {
         "usage: archive_bench archive <format> <archive> <folder>\n"
         "       archive_bench gzip <file> <outputFolder>\n"
         "       archive_bench extract <format> <archive> <outputFolder>\n"
-        "       archive_bench extract-safe|extract-unsafe <format> <archive> <outputFolder>\n"
+        "       archive_bench extract-safe|extract-unsafe|extract-direct <format> <archive> "
+        "<outputFolder>\n"
         "       archive_bench gunzip <file.gz> <outputFile>\n",
         stderr);
     return 2;
