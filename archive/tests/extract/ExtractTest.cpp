@@ -7,7 +7,6 @@
 #include <set>
 #include <stdexcept>
 
-#include <boost/algorithm/string/join.hpp>
 #include <boost/algorithm/string/replace.hpp>
 
 #include <archive/core/archivecore.hpp>
@@ -22,7 +21,6 @@ namespace tqtest {
 namespace {
 
 namespace core = tessel::io::archive::core;
-using boost::algorithm::join;
 using Paths = std::vector<std::u16string>;
 
 // Skips the current test (from its body) when a tool, or the first word of a command
