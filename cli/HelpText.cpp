@@ -1,7 +1,5 @@
 #include "HelpText.hpp"
 
-#include <archive.h>
-
 namespace tqarchive {
 
 namespace {
@@ -198,10 +196,6 @@ std::string helpText(const std::string& command) {
         return kGunzip;
     }
     return kOverview;
-}
-
-std::string versionText() {
-    return std::string("tqarchive ") + TQ_VERSION + " (" + archive_version_details() + ")\n";
 }
 
 }  // namespace tqarchive

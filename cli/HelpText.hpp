@@ -6,7 +6,5 @@ namespace tqarchive {
 
 // The help of one command, or the program's overview for an empty command.
 std::string helpText(const std::string& command);
-// One line: the program's version and libarchive's.
-std::string versionText();
 
 }  // namespace tqarchive

@@ -13,6 +13,7 @@
 #include "Commands.hpp"
 #include "HelpText.hpp"
 #include "ProcessLocale.hpp"
+#include "versionText.hpp"
 
 namespace {
 
