@@ -24,5 +24,11 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # A shlibs file and the ldconfig trigger for the two shared libraries.
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
+# For building against it: the pkg-config file names libarchive under Requires.private,
+# and a public host header that includes Boost needs Boost's headers.
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "libarchive-dev")
+if(TQHOST_PUBLIC_BOOST)
+    string(APPEND CPACK_DEBIAN_PACKAGE_SUGGESTS ", libboost-log-dev")
+endif()
 
 include(CPack)
