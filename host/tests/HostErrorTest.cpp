@@ -45,7 +45,7 @@ TEST(HostError, ShowsIdentifierArgumentsAndTextUnderAnyOverride) {
         {"TESSEL:custom:x", kNotGzipText},
     };
     for (const auto& [id, text] : cases) {
-        const auto raised = tqtest::raisedBy([&] {
+        const auto raised = tqtest::raisedBy([&, &id = id] {
                                 id == kNotGzip.identifier() ? kNotGzip.raise() : kNotGzip.raise(id);
                             }).value_or(tqtest::RaisedError{});
         EXPECT_EQ(std::tie(raised.identifier, raised.text, raised.arguments),
