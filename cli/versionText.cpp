@@ -2,12 +2,7 @@
 
 #include <archive.h>
 
-// The generated version header, once the build makes one; the project version before.
-#if __has_include(<archive/core/version.hpp>)
 #include <archive/core/version.hpp>
-#else
-#define TQARCHIVECORE_VERSION_STRING TQ_VERSION
-#endif
 
 namespace tqarchive {
 

@@ -16,7 +16,7 @@ bash scripts/install-deps.sh
 
 export LC_ALL=C.UTF-8
 CC=clang CXX=clang++ cmake -S . -B build-fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-  -DTQ_BUILD_FUZZ=ON -DTQ_BUILD_TESTS=OFF -DTQ_BUILD_CLI=OFF -DTQ_BUILD_BENCH=OFF >/dev/null
+  -DTQ_BUILD_FUZZ=ON -DTQ_WERROR=ON -DBUILD_TESTING=OFF -DTQ_BUILD_CLI=OFF -DTQ_BUILD_BENCH=OFF >/dev/null
 cmake --build build-fuzz --target archive_fuzzer confinement_fuzzer -j "$(nproc)"
 
 results="$repo/build-fuzz/fuzz-results"

@@ -1,16 +1,23 @@
 #!/usr/bin/env bash
 # Installs the Debian packages the build, the tests and the benchmark need.
+#   scripts/install-deps.sh           everything (development: tests, tools they compare with)
+#   scripts/install-deps.sh --build   only what building, installing and packaging need
 # Idempotent: only missing packages are installed, and the package index is
 # refreshed at most once per run.
 set -euo pipefail
 
+# dpkg-dev (dpkg-shlibdeps) and file let cpack read the package's dependencies.
 packages=(
-  build-essential cmake pkg-config
-  libarchive-dev zlib1g-dev libboost-log-dev libboost-locale-dev libboost-dev
-  libgtest-dev googletest
-  zip unzip p7zip-full libarchive-tools tar gzip pigz python3
-  clang libclang-rt-14-dev util-linux libcli11-dev groff-base
+  build-essential cmake pkg-config dpkg-dev file
+  libarchive-dev zlib1g-dev libboost-log-dev libboost-locale-dev libboost-dev libcli11-dev
 )
+if [ "${1:-}" != "--build" ]; then
+  packages+=(
+    libgtest-dev googletest groff-base
+    zip unzip p7zip-full libarchive-tools tar gzip pigz python3
+    clang libclang-rt-14-dev util-linux
+  )
+fi
 
 missing=()
 for p in "${packages[@]}"; do

@@ -7,10 +7,10 @@ cd "$(dirname "$0")/.."
 bash scripts/install-deps.sh
 
 build=build
-flags=(-DCMAKE_BUILD_TYPE=RelWithDebInfo)
+flags=(-DCMAKE_BUILD_TYPE=RelWithDebInfo -DTQ_WERROR=ON)
 if [ "${1:-}" = "--sanitize" ]; then
   build=build-asan
-  flags=(-DCMAKE_BUILD_TYPE=Debug -DTQ_SANITIZE=ON -DTQ_BUILD_BENCH=OFF)
+  flags=(-DCMAKE_BUILD_TYPE=Debug -DTQ_WERROR=ON -DTQ_SANITIZE=ON -DTQ_BUILD_BENCH=OFF)
 fi
 
 export LC_ALL=C.UTF-8

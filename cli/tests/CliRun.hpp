@@ -58,10 +58,14 @@ inline std::string program() {
 inline std::map<std::string, std::string> snapshot(const fs::path& root) {
     std::map<std::string, std::string> content;
     for (const auto& item : fs::recursive_directory_iterator(root)) {
-        content[item.path().lexically_relative(root).generic_string()] =
-            item.is_symlink()     ? "@" + fs::read_symlink(item.path()).string()
-            : item.is_directory() ? "/"
-                                  : std::to_string(std::hash<std::string>{}(readFile(item.path())));
+        std::string value = "/";
+        if (item.is_symlink()) {
+            const std::string target = fs::read_symlink(item.path()).string();
+            value = "@" + target;
+        } else if (!item.is_directory()) {
+            value = std::to_string(std::hash<std::string>{}(readFile(item.path())));
+        }
+        content[item.path().lexically_relative(root).generic_string()] = std::move(value);
     }
     return content;
 }

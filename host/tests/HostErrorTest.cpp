@@ -1,7 +1,6 @@
 #include <future>
 
 #include <gtest/gtest.h>
-#include <boost/algorithm/string/join.hpp>
 #include <boost/algorithm/string/replace.hpp>
 
 #include <host/HostError.hpp>
@@ -46,7 +45,7 @@ TEST(HostError, ShowsIdentifierArgumentsAndTextUnderAnyOverride) {
         {"TESSEL:custom:x", kNotGzipText},
     };
     for (const auto& [id, text] : cases) {
-        const auto raised = tqtest::raisedBy([&] {
+        const auto raised = tqtest::raisedBy([&, &id = id] {
                                 id == kNotGzip.identifier() ? kNotGzip.raise() : kNotGzip.raise(id);
                             }).value_or(tqtest::RaisedError{});
         EXPECT_EQ(std::tie(raised.identifier, raised.text, raised.arguments),
@@ -58,7 +57,7 @@ TEST(HostError, ShowsIdentifierArgumentsAndTextUnderAnyOverride) {
 static Texts recorded(const WarningCapture& capture) {
     Texts ids;
     for (const IssuedWarning& warning : capture.warnings()) {
-        ids.push_back(warning.identifier + "=" + boost::algorithm::join(warning.arguments, ","));
+        ids.push_back(warning.identifier + "=" + tqtest::join(warning.arguments, ","));
     }
     return ids;
 }

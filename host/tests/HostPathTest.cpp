@@ -45,9 +45,8 @@ TEST(TextConversion, DisplayTextEscapesControlsBackslashesAndForeignBytes) {
     };
     for (const auto& [text, shown] : rows) {
         EXPECT_EQ(toDisplayText(text), shown);
-        EXPECT_EQ(toDisplayText(toUtf8(text)), text.find(u'\xD800') == std::u16string::npos
-                                                   ? shown
-                                                   : "lone\uFFFD");
+        EXPECT_EQ(toDisplayText(toUtf8(text)),
+                  text.find(u'\xD800') == std::u16string::npos ? shown : "lone\uFFFD");
     }
 }
 
@@ -62,7 +61,8 @@ TEST(TextConversion, PathTextWithNulOrLoneSurrogateIsRefused) {
     };
     for (const auto& [text, identifier, position] : rows) {
         EXPECT_EQ(findPathTextFault(text)->position, position);
-        const auto raised = tqtest::raisedBy([&] { (void)HostPath::fromText(text, "archivePath"); });
+        const auto raised =
+            tqtest::raisedBy([&text = text] { (void)HostPath::fromText(text, "archivePath"); });
         ASSERT_TRUE(raised.has_value());
         EXPECT_EQ(raised->identifier, identifier);
         EXPECT_EQ(raised->arguments.front(), "archivePath");

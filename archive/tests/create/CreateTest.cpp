@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <clocale>
 
-#include <boost/algorithm/string/join.hpp>
 #include <boost/algorithm/string/replace.hpp>
 
 #include <archive/core/archivecore.hpp>
@@ -23,7 +22,6 @@ namespace tqtest {
 namespace {
 
 namespace core = tessel::io::archive::core;
-using boost::algorithm::join;
 using Names = std::vector<std::u16string>;
 using Strings = std::vector<std::string>;
 

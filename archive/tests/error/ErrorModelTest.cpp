@@ -197,7 +197,7 @@ TEST(RethrowAsHostError, TranslatesEverythingButHostErrors) {
          "TESSEL:io:archive:zip:openError(a.zip)"},
     };
     for (const auto& [thrower, expected] : cases) {
-        const auto raised = tqtest::raisedBy([&] {
+        const auto raised = tqtest::raisedBy([&, &thrower = thrower] {
             try {
                 thrower();
             } catch (...) {

@@ -7,7 +7,6 @@
 #include <set>
 #include <stdexcept>
 
-#include <boost/algorithm/string/join.hpp>
 #include <boost/algorithm/string/replace.hpp>
 
 #include <archive/core/archivecore.hpp>
@@ -22,7 +21,6 @@ namespace tqtest {
 namespace {
 
 namespace core = tessel::io::archive::core;
-using boost::algorithm::join;
 using Paths = std::vector<std::u16string>;
 
 // Skips the current test (from its body) when a tool, or the first word of a command
@@ -227,7 +225,7 @@ TEST_F(ExtractTest, DuplicatesAndTheNamedSubset) {
     for (const auto& [names, expected] : cases) {
         fs::remove_all(dir / "s");
         LogCapture log;
-        const auto call = [&] {
+        const auto call = [&, &names = names] {
             return core::extractArchive(u16(dir / "dup.zip"), u16(dir / "s"), u"zip",
                                         u16list(names), u"");
         };
@@ -311,7 +309,8 @@ TEST_F(ExtractTest, FullDiskStopsWithOutputDiskFull) {
     for (const auto& [archive, format, left] : {std::tuple{"a.zip", u"zip", "small.txt=fits"},
                                                 {"a.tgz", u"tgz", "small.txt=fits"},
                                                 {"big.bin.gz", u"gz", "big.bin=..."}}) {
-        EXPECT_EQ(runInChild([&] { return extract(archive, "tiny", format); },
+        EXPECT_EQ(runInChild([&, &archive = archive,
+                              &format = format] { return extract(archive, "tiny", format); },
                              mountTinyTmpfs(dir / "tiny", 256 * 1024)),
                   std::string("!extractArchive:outputDiskFull | ") + left);
     }
@@ -374,7 +373,7 @@ TEST_P(Passwords, ProbeAndExtractionAgree) {
     }
     for (const auto& [archive, password, expected] : cases) {
         fs::remove_all(dir / "out");
-        const auto probe = [&] {
+        const auto probe = [&, &archive = archive, &password = password] {
             core::sampleReadWithPassword(u16(dir / archive), u16(dir / "out"), u"zip",
                                          u16(password));
             return Paths{};
@@ -447,7 +446,10 @@ TEST_F(ExtractTest, UncompressGzNamesContentsAndFailures) {
         {{u"missing.gz"}, out, false, "!gunzip:javaOpenError(missing.gz)"},
     };
     for (const auto& [inputs, folder, exact, expected] : cases) {
-        EXPECT_EQ(outcome([&] { return core::uncompressgz(inputs, folder, exact); }), expected);
+        EXPECT_EQ(outcome([&inputs = inputs, &folder = folder, &exact = exact] {
+                      return core::uncompressgz(inputs, folder, exact);
+                  }),
+                  expected);
     }
     // Every member of a multi-member stream.
     EXPECT_EQ(readFile(dir / "out/a.txt") + readFile(dir / "out/ab.txt") + readFile(dir / "c"),

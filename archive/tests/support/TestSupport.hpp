@@ -4,6 +4,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <host/HostError.hpp>
@@ -33,6 +34,22 @@ std::u16string u16(const std::string& utf8);
 std::u16string u16(const char* utf8);
 std::string utf8(const std::u16string& text);
 std::vector<std::u16string> u16list(const std::vector<std::string>& utf8);
+
+// The texts in order with the separator between them. (boost::algorithm::join inserts
+// into a string in a way g++ 12 at -O3 warns about with a false -Wrestrict.)
+template <typename Texts>
+std::string join(const Texts& texts, std::string_view separator) {
+    std::string joined;
+    bool first = true;
+    for (const auto& text : texts) {
+        if (!first) {
+            joined.append(separator);
+        }
+        joined.append(text);
+        first = false;
+    }
+    return joined;
+}
 
 void writeFile(const fs::path& path, const std::string& bytes);
 std::string readFile(const fs::path& path);
