@@ -59,7 +59,8 @@ std::string overviewText() {
     }
     for (auto paragraph = CommandDocs::overview().begin() + 1;
          paragraph != CommandDocs::overview().end(); ++paragraph) {
-        text += "\n" + wrap(*paragraph, "", "");
+        text += '\n';
+        text += wrap(*paragraph, "", "");
     }
     text += "\nExit status:\n";
     for (const ExitStatusDoc& status : CommandDocs::exitStatuses()) {
@@ -80,7 +81,8 @@ std::string helpText(const std::string& name) {
     std::string text =
         "Usage: tqarchive " + command->name + " " + command->operands + " [OPTION...]\n";
     for (const std::string& paragraph : command->description) {
-        text += "\n" + wrap(paragraph, "", "");
+        text += '\n';
+        text += wrap(paragraph, "", "");
     }
     text += "\nOptions:\n";
     for (const OptionUse& use : command->options) {

@@ -105,7 +105,10 @@ void ProgressReporter::draw(const core::Progress& progress) {
     }
     line += ", " + amount(static_cast<double>(progress.bytesDone) / seconds) + "/s  " +
             tessel::host::toDisplayText(progress.entry);
-    write("\r" + fitted(line, terminalWidth() - 1) + "\033[K");
+    std::string shown = "\r";
+    shown += fitted(line, terminalWidth() - 1);
+    shown += "\033[K";
+    write(shown);
     lineShown_ = true;
 }
 

@@ -36,7 +36,10 @@ ReplacementFile::ReplacementFile(fs::path target, const std::string& openError)
     : target_(std::move(target)) {
     const fs::path folder = target_.parent_path().empty() ? fs::path(".") : target_.parent_path();
     // Hidden and named after the target, so a leftover (after a second Ctrl-C) is recognisable.
-    std::string pattern = (folder / ("." + target_.filename().string() + ".XXXXXX")).string();
+    std::string hidden = ".";
+    hidden += target_.filename().string();
+    hidden += ".XXXXXX";
+    std::string pattern = (folder / hidden).string();
     descriptor_ = ::mkstemp(pattern.data());
     if (descriptor_ < 0) {
         const std::size_t colon = openError.rfind(':');
