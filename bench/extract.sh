@@ -4,6 +4,8 @@
 #   tqarchive unzip (safe by default) and unzip --unsafe-paths  vs  bsdtar -xf, unzip -q
 #   tqarchive untar (safe by default) and untar --unsafe-paths  vs  bsdtar -xzf
 #   tqarchive gunzip -c                                         vs  gzip -dc
+# and, into a folder that already holds every file (safe writes act only on files that
+# exist), the library's confined extraction with safe writes and without (direct) vs bsdtar.
 # and the library's own confined extraction (extractArchiveWithOptions, its gzip check in
 # the calling thread) beside them. Inputs are made here with bsdtar, zip and gzip, in
 # /tmp, and removed at the end. Prints the median wall time of each side, its ratio to
@@ -33,6 +35,8 @@ run() {  # case side command...; output goes to $OUT, emptied first (not timed)
     local name=$1 side=$2
     shift 2
     rm -rf "$OUT" && mkdir -p "$OUT"
+    # The replace cases start from a folder holding every file already (not timed).
+    [[ $name != *-replace ]] || bsdtar -xzf "$I/small.tgz" -C "$OUT"
     # Start from a clean page cache state: the previous run's writeback is not charged here.
     sync
     echo "$name $side $(measure "$@")" >>"$RESULTS"
@@ -50,6 +54,9 @@ one() {  # case side
     tgz/unsafe-paths) run "$1" "$2" "$TQARCHIVE" untar -q --unsafe-paths "$I/$base.tgz" -d "$OUT" ;;
     tgz/library) run "$1" "$2" "$BENCH" extract-safe tgz "$I/$base.tgz" "$OUT" ;;
     tgz/bsdtar) run "$1" "$2" bsdtar -xzf "$I/$base.tgz" -C "$OUT" ;;
+    replace/bsdtar) run "$1" "$2" bsdtar -xzf "$I/small.tgz" -C "$OUT" ;;
+    replace/library) run "$1" "$2" "$BENCH" extract-safe tgz "$I/small.tgz" "$OUT" ;;
+    replace/direct) run "$1" "$2" "$BENCH" extract-direct tgz "$I/small.tgz" "$OUT" ;;
     gz/tqarchive) run "$1" "$2" sh -c "exec '$TQARCHIVE' gunzip -q -c '$I/big.bin.gz' > '$OUT/big.bin'" ;;
     gz/gzip) run "$1" "$2" sh -c "exec gzip -dc '$I/big.bin.gz' > '$OUT/big.bin'" ;;
     esac
@@ -60,12 +67,13 @@ sides_of() {
     *-zip) echo bsdtar unzip tqarchive unsafe-paths library ;;
     *-tgz) echo bsdtar tqarchive unsafe-paths library ;;
     *-gz) echo gzip tqarchive ;;
+    *-replace) echo bsdtar library direct ;;
     esac
 }
 
 for ((round = 1; round <= ROUNDS; round++)); do
     echo "Round $round of $ROUNDS ..."
-    for name in small-zip small-tgz big-zip big-tgz big-gz; do
+    for name in small-zip small-tgz big-zip big-tgz big-gz small-replace; do
         sides=($(sides_of "$name"))
         # Alternate the order, so that no side always gets the warmer cache.
         ((round % 2)) || sides=($(printf '%s\n' "${sides[@]}" | tac))

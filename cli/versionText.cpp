@@ -7,9 +7,10 @@
 namespace tqarchive {
 
 std::string versionText() {
-    std::string text = "tqarchive " TQARCHIVECORE_VERSION_STRING "\n";
-    text += archive_version_details();
-    text += '\n';
+    // archive_version_details() rebuilds its static buffer on each call and drops the
+    // previous one, so it is asked once.
+    static const std::string text = "tqarchive " TQARCHIVECORE_VERSION_STRING "\n" +
+                                    std::string(archive_version_details()) + '\n';
     return text;
 }
 
