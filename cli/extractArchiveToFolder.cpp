@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -69,6 +70,57 @@ void removeIfEmpty(fs::path folder, const fs::path& outermost) {
     }
 }
 
+// Works from inside the output folder while extracting, as tar -C does: libarchive's
+// secure-extraction flags walk every level of each path they write, and the levels above
+// the folder would otherwise be walked again for every entry. The archive is opened
+// before, so a relative name still means what it meant; where either step fails the
+// extraction runs from here with the folder's own name.
+class InsideOutputFolder {
+  public:
+    InsideOutputFolder(const fs::path& folder, const std::string& archive, bool fromStdin) {
+        if (folder == "." ||
+            (!fromStdin && (archive_ = ::open(archive.c_str(), O_RDONLY | O_CLOEXEC)) < 0)) {
+            return;
+        }
+        here_ = ::open(".", O_PATH | O_DIRECTORY | O_CLOEXEC);
+        if (here_ >= 0 && ::chdir(folder.c_str()) != 0) {
+            ::close(here_);
+            here_ = -1;
+        }
+    }
+    ~InsideOutputFolder() {
+        if (here_ >= 0) {
+            [[maybe_unused]] const int status = ::fchdir(here_);
+            ::close(here_);
+        }
+        if (archive_ >= 0) {
+            ::close(archive_);
+        }
+    }
+    InsideOutputFolder(const InsideOutputFolder&) = delete;
+    InsideOutputFolder& operator=(const InsideOutputFolder&) = delete;
+
+    bool entered() const noexcept { return here_ >= 0; }
+    // The descriptor to read the archive from once inside (-1: read it by name).
+    int archive() const noexcept { return entered() ? archive_ : -1; }
+
+  private:
+    int archive_ = -1;
+    int here_ = -1;
+};
+
+// The names written inside the output folder, as the user named that folder.
+std::vector<std::u16string> underFolder(const fs::path& folder,
+                                        const std::vector<std::u16string>& names) {
+    std::vector<std::u16string> shown;
+    shown.reserve(names.size());
+    for (const std::u16string& name : names) {
+        shown.push_back(
+            fromFileSystemText((folder / tessel::host::toFileSystemName(name, "name")).string()));
+    }
+    return shown;
+}
+
 }  // namespace
 
 int extractArchiveToFolder(const CommandLine& commandLine) {
@@ -94,9 +146,15 @@ int extractArchiveToFolder(const CommandLine& commandLine) {
     InterruptFlag::check();
     const fs::path created = makeOutputFolder(outputFolder);
     core::ExtractResult result;
+    bool inside = false;
     try {
+        const InsideOutputFolder folder(outputFolder, archive, fromStdin);
+        inside = folder.entered();
+        if (folder.archive() >= 0) {
+            options.inputDescriptor = folder.archive();
+        }
         result = core::extractArchiveWithOptions(
-            fromFileSystemText(archive), fromFileSystemText(outputFolder.string()),
+            fromFileSystemText(archive), inside ? u"." : fromFileSystemText(outputFolder.string()),
             readFormatFor(commandLine.command, archive), options);
     } catch (...) {
         // The library took back what it wrote; the folder made for it goes too.
@@ -105,7 +163,8 @@ int extractArchiveToFolder(const CommandLine& commandLine) {
         throw;
     }
     reporter.clear();
-    printNames(result.written, commandLine.quiet);
+    printNames(inside ? underFolder(outputFolder, result.written) : result.written,
+               commandLine.quiet);
     // After the rest is extracted, as unzip and bsdtar report them.
     for (const tessel::host::MessageIdError& missing : result.notFound) {
         printError(missing);

@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <exception>
+#include <filesystem>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -42,8 +43,12 @@ int run(const tqarchive::CommandLine& commandLine) {
         return 0;
     }
     if (commandLine.logFile) {
-        // Read when the library's logger is first created, which is the first call below.
-        setenv("TQARCHIVE_LOG", commandLine.logFile->c_str(), 1);
+        // Read when the library's logger is first created, which is the first call below;
+        // absolute, as extraction works from inside its output folder.
+        std::error_code error;
+        const std::filesystem::path logFile =
+            std::filesystem::absolute(*commandLine.logFile, error);
+        setenv("TQARCHIVE_LOG", (error ? *commandLine.logFile : logFile.string()).c_str(), 1);
     }
     const std::string& command = commandLine.command;
     if (command == "zip" || command == "tar") {

@@ -21,9 +21,16 @@ TEST(RoundTrip, EveryArchiveFormatBringsTheTreeBackAndListsNamesInSortedOrder) {
             listing += "tree/" + name + (kind == "/" ? slash : "") + "\n";
         }
         EXPECT_EQ(packed.err + packed.output, listing);
-        const auto unpacked = tqarchive(dir.path(), "un" + pack + " -d out -q");
+        // Relative names for the archive, the folder and the log mean what they say, though
+        // extraction works from inside the folder.
+        const auto unpacked = tqarchive(dir.path(), "un" + pack + " -d out -q --log un.log");
         EXPECT_EQ(unpacked.output + unpacked.err, "");
         EXPECT_EQ(snapshot(dir / "out/tree"), snapshot(dir / "tree"));
+        const std::string archive = pack.substr(pack.find(' ') + 1, pack.find(' ', 4) - 4);
+        EXPECT_NE(readFile(dir / "un.log")
+                      .find("Opened source archive file on disk for reading-->" + archive + "\n"),
+                  std::string::npos)
+            << readFile(dir / "un.log");
     }
 }
 

@@ -53,7 +53,8 @@ ArchiveDiskReader::ArchiveDiskReader(tessel::host::HostPath archivePath, Archive
         throw std::bad_alloc();
     }
     enableFormats(format);
-    if (!archivePath_.isAbsolute()) {
+    // Read from a descriptor, the name only names the archive, and stays as given.
+    if (setup_.inputDescriptor < 0 && !archivePath_.isAbsolute()) {
         archivePath_ = archivePath_.absolute(tessel::host::HostPath());
     }
     if (!password.empty()) {
