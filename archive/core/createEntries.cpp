@@ -14,6 +14,7 @@
 #include <archive/core/objects/ArchiveFormat.hpp>
 #include <archive/core/objects/ArchiveObjectReader.hpp>
 #include <archive/core/objects/CopyBuffer.hpp>
+#include <archive/core/objects/ReadDiskHandlePool.hpp>
 #include <archive/core/objects/copyFileContent.hpp>
 #include <archive/core/rethrowAsHostError.hpp>
 #include <archive/core/translateCreateArchiveFailure.hpp>
@@ -108,6 +109,7 @@ std::vector<std::u16string> createEntries(const std::u16string& archivePath,
     // kept on purpose.
     std::unique_ptr<CopyBuffer> buffer;
     std::unique_ptr<ArchiveCreator> creator;
+    ReadDiskHandlePool readHandles;  // outlives the readers that borrow from it
     std::unique_ptr<ArchiveObjectReader> reader;
     try {
         buffer = std::make_unique<CopyBuffer>();
@@ -135,7 +137,7 @@ std::vector<std::u16string> createEntries(const std::u16string& archivePath,
             // The next reader exists before the previous one goes, and it is opened even
             // for an input without a name.
             const HostPath input = HostPath::fromText(files[i]);
-            reader = std::make_unique<ArchiveObjectReader>(input, format);
+            reader = std::make_unique<ArchiveObjectReader>(input, format, readHandles);
             if (entryName.empty()) {
                 // Skipped without a word, but a missing input still fails the call.
                 if (!reader->exists()) {

@@ -9,6 +9,7 @@
 #include <archive/core/error/StatusChecks.hpp>
 #include <archive/core/log/LogLevel.hpp>
 #include <archive/core/log/LogRecord.hpp>
+#include <archive/core/objects/ReadDiskHandlePool.hpp>
 #include <archive/core/objects/checkReadable.hpp>
 #include <host/FileSystemError.hpp>
 
@@ -38,22 +39,44 @@ bool ArchiveObjectReader::exists() const {
 
 void ArchiveObjectReader::ReadHandleCloser::operator()(::archive* handle) const noexcept {
     archive_read_close(handle);
-    archive_read_free(handle);
+    if (pool != nullptr) {
+        pool->give(handle);
+    } else {
+        archive_read_free(handle);
+    }
 }
 
 ArchiveObjectReader::ArchiveObjectReader(HostPath path, const ArchiveFormat& format)
-    : handle_(newReadDiskHandle()), path_(std::move(path)), format_(format) {
+    : handle_(newReadDiskHandle(), ReadHandleCloser{}), path_(std::move(path)), format_(format) {
+    open();
+}
+
+ArchiveObjectReader::ArchiveObjectReader(HostPath path, const ArchiveFormat& format,
+                                         ReadDiskHandlePool& pool)
+    : handle_(pool.take(), ReadHandleCloser{&pool}), path_(std::move(path)), format_(format) {
+    open();
+}
+
+void ArchiveObjectReader::open() {
     // Follow links so that the entry describes the file the user meant, not the link.
     if (archive_read_disk_set_symlink_logical(handle_.get()) != ARCHIVE_OK) {
+        freeHandleInsteadOfReuse();
         throwArchiveError(NullArchiveRule::CouldNotSetSymlinkMode, handle_.get());
     }
     if (archive_read_disk_open(handle_.get(), path_.access().c_str()) != ARCHIVE_OK) {
+        freeHandleInsteadOfReuse();
         throwArchiveError(NullArchiveRule::CouldNotOpenFile, handle_.get());
     }
     ARCHIVE_LOG(LogOpen) << "Opened file on disk for reading-->" << path_;
 }
 
 ArchiveObjectReader::~ArchiveObjectReader() = default;
+
+void ArchiveObjectReader::freeHandleInsteadOfReuse() noexcept {
+    // A handle that failed may stay in libarchive's fatal state, in which it cannot be
+    // opened again: it is freed rather than kept for the next input.
+    handle_.get_deleter().pool = nullptr;
+}
 
 bool ArchiveObjectReader::nextHeader(::archive_entry** entry) {
     // Checked on every call: the file may have changed since the reader was opened.
@@ -73,6 +96,7 @@ bool ArchiveObjectReader::nextHeader(::archive_entry** entry) {
         ARCHIVE_LOG(LogStep) << "Reached end of file on disk-->" << path_;
         return false;
     }
+    freeHandleInsteadOfReuse();
     if (format_ == ArchiveFormat::Gz) {
         throwArchiveError(NullArchiveRule::InvalidEntryHeader, handle_.get());
     }

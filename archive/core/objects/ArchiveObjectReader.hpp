@@ -10,6 +10,8 @@ struct archive_entry;
 
 namespace tessel::io::archive::core {
 
+class ReadDiskHandlePool;
+
 // Owns one libarchive read-disk handle opened on one file or folder and yields the entry
 // that describes it (metadata and source path). Symbolic links are followed. With
 // ArchiveFormat::Gz an unreadable input is an error; otherwise it is a warning and the
@@ -18,6 +20,10 @@ class ArchiveObjectReader {
   public:
     // Throws CouldNotSetSymlinkMode or CouldNotOpenFile.
     ArchiveObjectReader(tessel::host::HostPath path, const ArchiveFormat& format);
+    // The same, on a handle from pool, to which it goes back when the reader goes; the
+    // pool outlives the reader.
+    ArchiveObjectReader(tessel::host::HostPath path, const ArchiveFormat& format,
+                        ReadDiskHandlePool& pool);
     ~ArchiveObjectReader();
 
     ArchiveObjectReader(const ArchiveObjectReader&) = delete;
@@ -38,8 +44,12 @@ class ArchiveObjectReader {
 
   private:
     struct ReadHandleCloser {
+        ReadDiskHandlePool* pool = nullptr;
         void operator()(::archive* handle) const noexcept;
     };
+
+    void open();
+    void freeHandleInsteadOfReuse() noexcept;
 
     std::unique_ptr<::archive, ReadHandleCloser> handle_;
     tessel::host::HostPath path_;
