@@ -19,12 +19,15 @@ constexpr std::string_view kOpenEntryError =
 
 // Every message the host can show, in English: the only language the host ships, so any
 // locale reads these texts. {n} is replaced by the n-th argument.
+// In the order the README's table lists them.
+// clang-format off
 constexpr Entry kCatalogue[] = {
 #include "catalogue/library.inc"
 #include "catalogue/additions.inc"
 #include "catalogue/host.inc"
 #include "catalogue/cli.inc"
 };
+// clang-format on
 
 const std::string_view* findText(const std::string& identifier) {
     const auto found = std::find_if(std::begin(kCatalogue), std::end(kCatalogue),

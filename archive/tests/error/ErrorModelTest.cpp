@@ -160,7 +160,8 @@ TEST(MessageClasses, MatchTheCatalogueOneToOne) {
         msg::gzip::outputDiskFull(p),
         msg::gunzip::outputIsInput(p),
         msg::testArchive::damagedEntry(p, p, s),
-        msg::testArchive::damagedStream(p, s)};
+        msg::testArchive::damagedStream(p, s),
+    };
     // Raised or warned under another identifier than their class's.
     std::set<std::string> fromClasses = {"TESSEL:io:archive:zip:DiskSpaceFull",
                                          "TESSEL:io:archive:tar:DiskSpaceFull",
