@@ -4,10 +4,10 @@
 #   tqarchive unzip (safe by default) and unzip --unsafe-paths  vs  bsdtar -xf, unzip -q
 #   tqarchive untar (safe by default) and untar --unsafe-paths  vs  bsdtar -xzf
 #   tqarchive gunzip -c                                         vs  gzip -dc
-# and, into a folder that already holds every file (safe writes act only on files that
-# exist), the library's confined extraction with safe writes and without (direct) vs bsdtar.
 # and the library's own confined extraction (extractArchiveWithOptions, its gzip check in
-# the calling thread) beside them. Inputs are made here with bsdtar, zip and gzip, in
+# the calling thread) beside them; then, into a folder that already holds every file (safe
+# writes act only on files that exist), the library's confined extraction with safe writes
+# and without (direct) vs bsdtar. Inputs are made here with bsdtar, zip and gzip, in
 # /tmp, and removed at the end. Prints the median wall time of each side, its ratio to
 # the first peer and the peak resident memory of each run.
 #
