@@ -8,6 +8,7 @@
 
 #include "CliMessages.hpp"
 #include "Commands.hpp"
+#include "CompressingPipe.hpp"
 #include "InputWalker.hpp"
 #include "InterruptFlag.hpp"
 #include "PasswordSource.hpp"
@@ -63,6 +64,48 @@ std::vector<std::u16string> withFolderSlashes(std::vector<std::u16string> writte
         }
     }
     return written;
+}
+
+// A compressed tar: the library writes the plain tar into a pipe while a second thread
+// compresses it into the output, so that reading the files and compressing them overlap.
+// The archive and its failures are those the library gives when it compresses itself.
+std::vector<std::u16string> createCompressedTar(const std::u16string& archive,
+                                                const std::vector<std::u16string>& files,
+                                                const std::vector<std::u16string>& names,
+                                                core::CreateOptions options) {
+    core::CreateOptions compression;
+    compression.filter = options.filter;
+    compression.level = options.level;
+    compression.outputDescriptor = options.outputDescriptor;
+    CompressingPipe pipe(archive, compression);
+    options.filter.clear();
+    options.level = -1;
+    options.outputDescriptor = pipe.input();
+    // A compression that failed (a full disk) stops the writer at its next block.
+    options.progress = [&pipe, progress = options.progress](const core::Progress& done) {
+        return !pipe.failed() && (!progress || progress(done));
+    };
+    std::vector<std::u16string> written;
+    try {
+        written = core::createArchiveWithOptions(archive, files, names, u"tar", options);
+    } catch (...) {
+        pipe.finish();
+        throw;
+    }
+    pipe.finish();
+    return written;
+}
+
+// Writes the archive with the library, through a compressing pipe when it is compressed.
+std::vector<std::u16string> writeArchive(const std::u16string& archive,
+                                         const std::vector<std::u16string>& files,
+                                         const std::vector<std::u16string>& names,
+                                         const std::u16string& format,
+                                         const core::CreateOptions& options) {
+    if (format == u"tgz" || (format == u"tar" && !options.filter.empty())) {
+        return createCompressedTar(archive, files, names, options);
+    }
+    return core::createArchiveWithOptions(archive, files, names, format, options);
 }
 
 }  // namespace
@@ -136,14 +179,13 @@ int createArchiveFromInputs(const CommandLine& commandLine) {
     if (toStdout) {
         // Standard output carries the archive, so the names are not listed there.
         options.outputDescriptor = STDOUT_FILENO;
-        core::createArchiveWithOptions(u"-", files, names, format, options);
+        writeArchive(u"-", files, names, format, options);
         return 0;
     }
     ReplacementFile output(
         archive, zip ? "TESSEL:io:archive:zip:openError" : "TESSEL:io:archive:tar:openError");
     options.outputDescriptor = output.descriptor();
-    const auto written =
-        core::createArchiveWithOptions(fromFileSystemText(archive), files, names, format, options);
+    const auto written = writeArchive(fromFileSystemText(archive), files, names, format, options);
     output.commit();
     reporter.clear();
     printNames(withFolderSlashes(written, folders), commandLine.quiet);

@@ -110,15 +110,15 @@ class InsideOutputFolder {
 };
 
 // The names written inside the output folder, as the user named that folder.
-std::vector<std::u16string> underFolder(const fs::path& folder,
-                                        const std::vector<std::u16string>& names) {
-    std::vector<std::u16string> shown;
-    shown.reserve(names.size());
-    for (const std::u16string& name : names) {
-        shown.push_back(
-            fromFileSystemText((folder / tessel::host::toFileSystemName(name, "name")).string()));
+std::vector<std::u16string> underFolder(const fs::path& folder, std::vector<std::u16string> names) {
+    std::u16string prefix = fromFileSystemText(folder.native());
+    if (!prefix.ends_with(u'/')) {
+        prefix.push_back(u'/');
     }
-    return shown;
+    for (std::u16string& name : names) {
+        name.insert(0, prefix);
+    }
+    return names;
 }
 
 }  // namespace
@@ -163,8 +163,10 @@ int extractArchiveToFolder(const CommandLine& commandLine) {
         throw;
     }
     reporter.clear();
-    printNames(inside ? underFolder(outputFolder, result.written) : result.written,
-               commandLine.quiet);
+    if (!commandLine.quiet) {
+        printNames(inside ? underFolder(outputFolder, std::move(result.written)) : result.written,
+                   false);
+    }
     // After the rest is extracted, as unzip and bsdtar report them.
     for (const tessel::host::MessageIdError& missing : result.notFound) {
         printError(missing);

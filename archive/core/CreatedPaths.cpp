@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <string_view>
 
 namespace tessel::io::archive::core {
 
@@ -24,6 +25,15 @@ CreatedPaths::Plan CreatedPaths::plan(const std::string& path) {
     std::string target = path;
     while (target.size() > 1 && target.back() == '/') {
         target.pop_back();
+    }
+    // Nothing was in a folder this call made but what the call put there ("." and ".."
+    // name other things).
+    const std::size_t slash = target.find_last_of('/');
+    const std::string_view name =
+        std::string_view(target).substr(slash == std::string::npos ? 0 : slash + 1);
+    if (name != "." && name != ".." && createdFolders_.contains(parentOf(target)) &&
+        !createdItems_.contains(target) && !createdFolders_.contains(target)) {
+        return plan;
     }
     struct stat status {};
     if (::lstat(target.c_str(), &status) == 0) {
@@ -51,9 +61,15 @@ void CreatedPaths::confirm(const std::string& path, const Plan& plan, bool isFol
     for (const std::string& folder : plan.missingFolders) {
         created_.push_back(folder);
         knownFolders_.insert(folder);
+        createdFolders_.insert(folder);
     }
     if (!plan.targetExists) {
         created_.push_back(target);
+        (isFolder ? createdFolders_ : createdItems_).insert(target);
+    } else if (!isFolder && createdFolders_.contains(target)) {
+        // A folder made here is replaced (by a link, say): paths beneath it may lead
+        // elsewhere now, so every entry is looked up again.
+        createdFolders_.clear();
     }
     if (isFolder) {
         knownFolders_.insert(target);
@@ -74,6 +90,8 @@ void CreatedPaths::removeAll() noexcept {
     }
     created_.clear();
     knownFolders_.clear();
+    createdFolders_.clear();
+    createdItems_.clear();
 }
 
 }  // namespace tessel::io::archive::core

@@ -8,7 +8,8 @@ namespace tessel::io::archive::core {
 
 // What one extraction created, so that a failed call can take it back: files, links and
 // folders it made, in the order made. Folders known to exist are remembered, so that
-// most entries cost one query.
+// most entries cost one query, and an entry in a folder this call made costs none: what
+// is in such a folder was made by this call, and is remembered too.
 class CreatedPaths {
   public:
     // Before an entry is written at path (access form): what of it is not there yet.
@@ -28,6 +29,8 @@ class CreatedPaths {
   private:
     std::vector<std::string> created_;
     std::unordered_set<std::string> knownFolders_;
+    std::unordered_set<std::string> createdFolders_;
+    std::unordered_set<std::string> createdItems_;
 };
 
 }  // namespace tessel::io::archive::core

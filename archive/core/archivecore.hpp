@@ -13,6 +13,7 @@
 #include <archive/core/CreateOptions.hpp>
 #include <archive/core/EntryInfo.hpp>
 #include <archive/core/ExtractOptions.hpp>
+#include <archive/core/StreamCompressor.hpp>
 #include <archive/core/TestReport.hpp>
 #include <archive/core/api.hpp>
 #include <host/hxArray.hpp>

@@ -16,6 +16,7 @@
 #include <archive/core/objects/CopyBuffer.hpp>
 #include <archive/core/objects/ReadDiskHandlePool.hpp>
 #include <archive/core/objects/copyFileContent.hpp>
+#include <archive/core/raiseCreateFailure.hpp>
 #include <archive/core/rethrowAsHostError.hpp>
 #include <archive/core/translateCreateArchiveFailure.hpp>
 #include <host/HostPath.hpp>
@@ -57,35 +58,6 @@ CreatorSetup creatorSetup(const CreateOptions& options) {
     setup.level = options.level;
     setup.outputDescriptor = options.outputDescriptor;
     return setup;
-}
-
-// The additions report what createArchive leaves to the catch-all.
-[[noreturn]] void raiseWithOptions(const ArchiveException& failure,
-                                   const std::u16string& archivePath, ArchiveFormat format,
-                                   const CreateOptions& options) {
-    namespace messages = TESSEL::io::archive::createArchive;
-    switch (failure.rule) {
-        case NullArchiveRule::DiskSpaceFull:
-            messages::DiskSpaceFull(archivePath)
-                .raise(format == ArchiveFormat::Zip ? "TESSEL:io:archive:zip:DiskSpaceFull"
-                                                    : "TESSEL:io:archive:tar:DiskSpaceFull");
-        case NullArchiveRule::UnableToSetFormat:
-        case NullArchiveRule::UnableToSetFilter:
-            messages::unknownArchiveType(archivePath).raise();
-        case NullArchiveRule::InvalidCompressionLevel:
-            messages::invalidCompression(
-                options.filter.empty()
-                    ? std::u16string(format == ArchiveFormat::Zip ? u"zip" : u"gzip")
-                    : options.filter,
-                std::to_string(options.level))
-                .raise();
-        case NullArchiveRule::CouldNotWriteFile:
-            messages::writeError(archivePath).raise();
-        case NullArchiveRule::Cancelled:
-            messages::cancelled().raise();
-        default:
-            rethrowAsHostError(failure);
-    }
 }
 
 }  // namespace
@@ -181,10 +153,10 @@ std::vector<std::u16string> createEntries(const std::u16string& archivePath,
         creator.reset();
         return written;
     } catch (const ArchiveException& failure) {
-        translateCreateArchiveFailure(failure, archivePath, format);
         if (withOptions) {
-            raiseWithOptions(failure, archivePath, format, options);
+            raiseCreateFailure(failure, archivePath, format, options);
         }
+        translateCreateArchiveFailure(failure, archivePath, format);
         rethrowAsHostError();
     } catch (...) {
         rethrowAsHostError();

@@ -101,6 +101,8 @@ std::vector<std::u16string> extractEntries(const std::u16string& archivePath,
             } else {
                 writer->deleteCurrentEntryFile();
             }
+        } else if (writer) {
+            writer->finishLastEntry();
         }
         if (options.removeCreatedOnFailure) {
             created.removeAll();

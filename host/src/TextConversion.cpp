@@ -158,9 +158,17 @@ std::string toUtf8(std::u16string_view text) {
 }
 
 std::u16string fromUtf8(std::string_view text) {
-    std::u16string out;
+    // Most names are ASCII throughout: widened in one pass.
+    std::size_t ascii = 0;
+    while (ascii < text.size() && static_cast<unsigned char>(text[ascii]) < 0x80) {
+        ++ascii;
+    }
+    std::u16string out(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(ascii));
+    if (ascii == text.size()) {
+        return out;
+    }
     out.reserve(text.size());
-    for (std::size_t i = 0; i < text.size();) {
+    for (std::size_t i = ascii; i < text.size();) {
         if (static_cast<unsigned char>(text[i]) < 0x80) {
             out.push_back(static_cast<char16_t>(text[i++]));
             continue;

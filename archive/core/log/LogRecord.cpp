@@ -13,7 +13,11 @@ namespace tessel::io::archive::core {
 LogRecord::LogRecord(tessel::host::DiagnosticLogger& logger, std::uint32_t level)
     : logger_(logger),
       record_(tessel::host::DiagnosticLoggerRecords::open(logger, static_cast<int>(level))),
-      uncaughtAtOpen_(std::uncaught_exceptions()) {}
+      uncaughtAtOpen_(std::uncaught_exceptions()) {
+    if (record_) {
+        stream_.emplace(message_);
+    }
+}
 
 LogRecord::~LogRecord() {
     if (!record_) {
@@ -24,7 +28,7 @@ LogRecord::~LogRecord() {
     if (std::uncaught_exceptions() > uncaughtAtOpen_) {
         return;
     }
-    stream_.flush();
+    stream_->flush();
     tessel::host::DiagnosticLoggerRecords::push(logger_, std::move(record_), std::move(message_));
 }
 
@@ -32,22 +36,23 @@ void LogRecord::write(const char* data, std::size_t size) {
     if (!record_) {
         return;
     }
-    const std::streamsize width = stream_.width();
+    boost::log::formatting_ostream& stream = *stream_;
+    const std::streamsize width = stream.width();
     const auto length = static_cast<std::streamsize>(size);
     if (width > length) {
-        const std::string padding(static_cast<std::size_t>(width - length), stream_.fill());
-        const bool left = (stream_.flags() & std::ios_base::adjustfield) == std::ios_base::left;
+        const std::string padding(static_cast<std::size_t>(width - length), stream.fill());
+        const bool left = (stream.flags() & std::ios_base::adjustfield) == std::ios_base::left;
         if (!left) {
-            stream_.write(padding.data(), static_cast<std::streamsize>(padding.size()));
+            stream.write(padding.data(), static_cast<std::streamsize>(padding.size()));
         }
-        stream_.write(data, length);
+        stream.write(data, length);
         if (left) {
-            stream_.write(padding.data(), static_cast<std::streamsize>(padding.size()));
+            stream.write(padding.data(), static_cast<std::streamsize>(padding.size()));
         }
     } else {
-        stream_.write(data, length);
+        stream.write(data, length);
     }
-    stream_.width(0);
+    stream.width(0);
 }
 
 LogRecord& LogRecord::operator<<(std::string_view piece) {
@@ -58,19 +63,25 @@ LogRecord& LogRecord::operator<<(std::string_view piece) {
 LogRecord& LogRecord::operator<<(const std::u16string& piece) {
     if (record_) {
         // The stream converts UTF-16 itself (and honours and resets the width).
-        stream_ << piece.c_str();
-        stream_.width(0);
+        *stream_ << piece.c_str();
+        stream_->width(0);
     }
     return *this;
 }
 
 LogRecord& LogRecord::operator<<(const tessel::host::HostPath& path) {
+    if (!record_) {
+        return *this;
+    }
     const std::string text = tessel::host::toUtf8(path.native());
     write(text.data(), text.size());
     return *this;
 }
 
 LogRecord& LogRecord::operator<<(long long value) {
+    if (!record_) {
+        return *this;
+    }
     const std::string text = std::to_string(value);
     write(text.data(), text.size());
     return *this;
@@ -78,7 +89,7 @@ LogRecord& LogRecord::operator<<(long long value) {
 
 void LogRecord::width(std::streamsize width) {
     if (record_) {
-        stream_.width(width);
+        stream_->width(width);
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -49,7 +50,9 @@ class LogRecord {
     tessel::host::DiagnosticLogger& logger_;
     boost::log::record record_;
     std::string message_;
-    boost::log::formatting_ostream stream_{message_};
+    // Made only for a record some sink wants: most records are refused, and a stream is
+    // costly to make.
+    std::optional<boost::log::formatting_ostream> stream_;
     int uncaughtAtOpen_;
 };
 

@@ -107,6 +107,12 @@ ArchiveCreator::~ArchiveCreator() = default;
 
 void ArchiveCreator::setFormat(ArchiveFormat format) {
     ::archive* handle = handle_.get();
+    if (setup_.rawStream) {
+        if (archive_write_set_format_raw(handle) != ARCHIVE_OK) {
+            throwArchiveError(NullArchiveRule::UnableToSetFormat, handle);
+        }
+        return;
+    }
     switch (format) {
         case ArchiveFormat::Zip:
             if (archive_write_set_format_zip(handle) != ARCHIVE_OK) {

@@ -21,6 +21,9 @@ struct CreatorSetup {
     int level = -1;
     // Write to this descriptor (left open) instead of opening the archive path.
     int outputDescriptor = -1;
+    // Write one entry's bytes as they are, under the filter alone (libarchive's raw
+    // format), whatever the format says; the format still chooses the errors' family.
+    bool rawStream = false;
 };
 
 // Owns one libarchive write handle opened on a new archive file: chooses format and

@@ -170,7 +170,8 @@ int ArchiveDiskWriter::writeDataBlock(const void* buffer, std::size_t size, la_i
 }
 
 void ArchiveDiskWriter::recordWrittenFile(::archive_entry* entry) {
-    const tessel::host::HostPath path = entryPath(entry);
+    // The entry whose header was written last, already converted then.
+    const tessel::host::HostPath path = currentEntryPath_ ? *currentEntryPath_ : entryPath(entry);
     std::u16string text = path.native();
     const char16_t separator = tessel::host::HostPath::separator();
     // A regular file just written is no folder; anything else (a link may lead to one)
@@ -221,6 +222,12 @@ void ArchiveDiskWriter::abandonReplacement() {
     }
     archive_write_finish_entry(handle_.get());
     currentEntryPath_.reset();
+}
+
+void ArchiveDiskWriter::finishLastEntry() {
+    if (currentEntryPath_) {
+        archive_write_finish_entry(handle_.get());
+    }
 }
 
 void ArchiveDiskWriter::deleteCurrentEntryFile() {

@@ -66,6 +66,11 @@ class ArchiveDiskWriter {
     // the entry's name stays as it was.
     void abandonReplacement();
 
+    // Finishes the entry written last, whose file libarchive completes (a replacement
+    // renamed into place, times and permissions set) only when the next one begins: done
+    // before a failed call takes back what it made, which may lie on that file's path.
+    void finishLastEntry();
+
   private:
     struct HandleCloser {
         void operator()(::archive* handle) const noexcept {

@@ -192,6 +192,31 @@ TEST(ConfinedExtraction, AFailureLeavesTheOutputFolderAsItWas) {
     }
 }
 
+// Without confinement the cleanup still removes only what the call made: a folder it made
+// and then replaced by a link leads elsewhere, and what is found there is no longer its own.
+TEST(ConfinedExtraction, UnconfinedCleanupNeverRemovesWhatItFoundThroughALinkItMade) {
+    REQUIRE_TOOLS("python3");
+    TempDir dir;
+    python(dir.path(),
+           "tar('relink.tar', folder('d'), sym('d', '../elsewhere'), reg('d/x.txt', b'new'), "
+           "reg('stop.txt', b's'))");
+    writeFile(dir / "elsewhere/x.txt", "old");
+    core::ExtractOptions options = core::ExtractOptions::safe();
+    options.confine = false;  // as tqarchive --unsafe-paths
+    options.refuseOutwardLinks = false;
+    options.progress = [](const core::Progress& p) { return p.entry != u"stop.txt"; };
+    const std::string said = outcome(
+        [&] {
+            return core::extractArchiveWithOptions(u16(dir / "relink.tar"), u16(dir / "out"),
+                                                   u"tar", options)
+                .written;
+        },
+        dir.path());
+    EXPECT_EQ(
+        said + " | " + listing(dir.path()),
+        "!extractArchive:cancelled | elsewhere/ elsewhere/x.txt=new relink.tar=[10240:10433]");
+}
+
 // A tar's second name for a file is a hard-link entry; its target is placed under the
 // output folder too, whichever tool wrote it and whatever the current folder holds.
 TEST(HardLinks, ExtractWholeIntoAnyFolder) {

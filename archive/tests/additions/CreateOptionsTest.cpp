@@ -1,6 +1,9 @@
 // Creation: sizes at the edges of the copy chunk in every format, zip names at the edge of
 // their field, the reported final close on a disk swept in small steps, compression filters
 // and levels, and archive types from names.
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <gtest/gtest.h>
 
 #include <set>
@@ -109,6 +112,9 @@ TEST(ReportFinalClose, NoSuccessWithAnIncompleteFileOnADiskSweptInSmallSteps) {
          "TESSEL:io:archive:tar:DiskSpaceFull"},
         {"gz", "(gzip -t $A && gzip -dc $A | cmp -s - in.bin) 2>/dev/null",
          "TESSEL:io:archive:gzip:outputDiskFull"},
+        // ref.tar compressed by a StreamCompressor, which always reports the close.
+        {"stream", "(gzip -t $A && gzip -dc $A | cmp -s - ref.tar) 2>/dev/null",
+         "TESSEL:io:archive:tar:DiskSpaceFull"},
     };
     const fs::path disk = dir / "disk";
     const auto sweep = [&] {
@@ -117,13 +123,20 @@ TEST(ReportFinalClose, NoSuccessWithAnIncompleteFileOnADiskSweptInSmallSteps) {
             std::set<std::string> reported, unreported;
             for (int pages = 16; pages <= 28; ++pages) {
                 for (const bool report : {true, false}) {
+                    if (f.format == "stream" && !report) {
+                        continue;
+                    }
                     writeFile(disk / "filler", std::string(pages * 4096, 'f'));
                     const fs::path archive = disk / (report ? "a.out" : "in.bin.gz");
                     core::CreateOptions options;
                     options.reportFinalClose = report;
                     const auto raised = raisedBy([&] {
                         const std::u16string in = u16(dir / "in.bin");
-                        if (f.format == "gz") {
+                        if (f.format == "stream") {
+                            const int tar = ::open((dir / "ref.tar").c_str(), O_RDONLY);
+                            core::StreamCompressor(u16(archive), options).compress(tar);
+                            ::close(tar);
+                        } else if (f.format == "gz") {
                             report ? (void)core::compressgzToFile(in, u16(archive), options)
                                    : (void)core::compressgz({in}, u16(disk));
                         } else if (report) {
@@ -153,7 +166,7 @@ TEST(ReportFinalClose, NoSuccessWithAnIncompleteFileOnADiskSweptInSmallSteps) {
     };
     EXPECT_EQ(runInChild(sweep, mountTinyTmpfs(disk, 32 * 4096)),
               "zip: full ok | window\ntar: full ok | window\ntgz: full ok | window\n"
-              "gz: full ok | window\n");
+              "gz: full ok | window\nstream: full ok | no window\n");
 }
 
 TEST(CreateOptions, EachTarFilterRoundTripsThroughBsdtar) {
@@ -178,6 +191,63 @@ TEST(CreateOptions, EachTarFilterRoundTripsThroughBsdtar) {
                                      " | cmp - a.txt && bsdtar -tf " + archive),
                   magic + "a.txt\n")
             << filter;
+    }
+}
+
+// The compression of a tar written elsewhere (a pipe, in tqarchive): the same stream, in
+// every filter, as the library writes itself, and the same refusals.
+TEST(StreamCompressor, CompressesAsTheLibraryWouldAndRefusesWhatItWould) {
+    REQUIRE_TOOLS("bsdtar", "gzip", "cmp");
+    TempDir dir;
+    writeFile(dir / "a.txt", randomBytes(70000, 5));
+    writeFile(dir / "b.txt", std::string(30000, 'b'));
+    const Paths files = {u16(dir / "a.txt"), u16(dir / "b.txt")}, names = {u"a.txt", u"b.txt"};
+    core::createArchive(u16(dir / "plain.tar"), files, names, u"tar");
+    core::createArchive(u16(dir / "library.tgz"), files, names, u"tgz");
+    const auto compressed = [&](const std::string& archive, const core::CreateOptions& options) {
+        return outcome(
+            [&] {
+                const int tar = ::open((dir / "plain.tar").c_str(), O_RDONLY);
+                core::StreamCompressor compressor(u16(dir / archive), options);
+                compressor.compress(tar);
+                ::close(tar);
+                return Paths{};
+            },
+            dir.path());
+    };
+    EXPECT_EQ(compressed("stream.tgz", {}), "");
+    EXPECT_EQ(sh(dir.path(),
+                 "gzip -dc stream.tgz | cmp - plain.tar && gzip -dc library.tgz | "
+                 "cmp - plain.tar && bsdtar -tf stream.tgz"),
+              "a.txt\nb.txt\n");
+    for (const std::string filter : {"xz", "zstd", "bzip2"}) {
+        core::CreateOptions options;
+        options.filter = u16(filter);
+        options.level = 1;
+        EXPECT_EQ(compressed("s." + filter, options), "") << filter;
+        EXPECT_EQ(sh(dir.path(),
+                     "bsdtar -xOf s." + filter + " a.txt | cmp - a.txt && bsdtar -tf s." + filter),
+                  "a.txt\nb.txt\n")
+            << filter;
+    }
+    // What is refused, and what is left of the output (nothing).
+    struct Refusal {
+        std::string archive, filter;
+        int level;
+        std::string raised;
+    };
+    const std::vector<Refusal> refusals = {
+        {"l.tgz", "", 12, "!createArchive:invalidCompression(gzip;12)"},
+        {"l.tar.lz4", "lz4", 0, "!createArchive:invalidCompression(lz4;0)"},
+        {"u.tar.what", "what", -1, "!createArchive:unknownArchiveType(~/u.tar.what)"},
+        {"missing/m.tgz", "", -1, "!tar:openError(~/missing/m.tgz)"},
+    };
+    for (const Refusal& r : refusals) {
+        core::CreateOptions options;
+        options.filter = u16(r.filter);
+        options.level = r.level;
+        EXPECT_EQ(compressed(r.archive, options), r.raised) << r.archive;
+        EXPECT_FALSE(fs::exists(dir / r.archive)) << r.archive;
     }
 }
 
