@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <optional>
 #include <system_error>
 
 #include <archive/core/archivecore.hpp>
@@ -10,6 +11,7 @@
 #include "BackgroundStreamCheck.hpp"
 #include "CliMessages.hpp"
 #include "Commands.hpp"
+#include "DecompressingPipe.hpp"
 #include "InterruptFlag.hpp"
 #include "PasswordSource.hpp"
 #include "ProgressReporter.hpp"
@@ -143,6 +145,10 @@ int extractArchiveToFolder(const CommandLine& commandLine) {
     options.progress = reporter.callback();
 
     const fs::path outputFolder = commandLine.outputFolder.value_or(".");
+    // A gzip-compressed tar file is inflated once, on a second core, beside the extraction
+    // (looked at here, while a relative name still means what it says).
+    const bool gzippedTar =
+        commandLine.command == "untar" && !fromStdin && DecompressingPipe::isGzip(archive);
     InterruptFlag::check();
     const fs::path created = makeOutputFolder(outputFolder);
     core::ExtractResult result;
@@ -152,6 +158,15 @@ int extractArchiveToFolder(const CommandLine& commandLine) {
         inside = folder.entered();
         if (folder.archive() >= 0) {
             options.inputDescriptor = folder.archive();
+        }
+        std::optional<DecompressingPipe> gunzip;
+        if (gzippedTar) {
+            gunzip.emplace(fromFileSystemText(archive), folder.archive());
+            options.inputDescriptor = gunzip->output();
+            options.upstreamVerdict = [&gunzip] { return gunzip->verdict(); };
+            options.progress = [&gunzip, show = options.progress](const core::Progress& done) {
+                return show(gunzip->progress(done));
+            };
         }
         result = core::extractArchiveWithOptions(
             fromFileSystemText(archive), inside ? u"." : fromFileSystemText(outputFolder.string()),

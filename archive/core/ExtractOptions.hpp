@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -56,6 +58,10 @@ struct ExtractOptions {
     ProgressCallback progress;
     // The gzip trailer check (empty: makeGzipStreamCheck).
     StreamCheckFactory gzipCheck;
+    // For an archive read from inputDescriptor that another thread fills (a gunzip of the
+    // archive into a pipe, say): asked once the input has been read to its end; a text is
+    // damage found there, and fails the call as damaged data would.
+    std::function<std::optional<std::string>()> upstreamVerdict;
 
     // What a careful command-line tool wants: confine, skipSpecialFiles,
     // restrictPermissions, refuseOutwardLinks, safeWrites and removeCreatedOnFailure.

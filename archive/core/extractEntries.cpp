@@ -33,6 +33,7 @@ ReaderSetup readerSetup(const ExtractOptions& options) {
     setup.inputDescriptor = options.inputDescriptor;
     setup.gzipCheck =
         options.gzipCheck ? options.gzipCheck : StreamCheckFactory(makeGzipStreamCheck);
+    setup.upstreamVerdict = options.upstreamVerdict;
     return setup;
 }
 

@@ -207,7 +207,12 @@ void ArchiveDiskReader::readLegacyZipName(::archive_entry* entry) {
 }
 
 void ArchiveDiskReader::judgeCompressedStream() {
-    if (const std::optional<std::string> damage = source_->finishCheck()) {
+    std::optional<std::string> damage = source_->finishCheck();
+    if (!damage && setup_.upstreamVerdict) {
+        source_->drain();  // whoever fills the input has finished once it ends
+        damage = setup_.upstreamVerdict();
+    }
+    if (damage) {
         ARCHIVE_LOG(LogFailure) << "[INTERNAL_MESSAGE]: gzip trailer check: " << *damage;
         throwArchiveErrorWithMessage(NullArchiveRule::CouldNotOpenFile,
                                      tessel::host::fromUtf8(*damage));

@@ -2,7 +2,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include <archive.h>
@@ -25,6 +27,9 @@ struct ReaderSetup {
     StreamCheckFactory gzipCheck;
     // Keep the CRC-32 and length of each entry's data as read.
     bool trackDataCrc = false;
+    // Asked at the end of the archive, once the input is read to its end: damage found
+    // by whoever fills the input (ExtractOptions::upstreamVerdict).
+    std::function<std::optional<std::string>()> upstreamVerdict;
 };
 
 // Reads an existing archive file (zip, tar, tar.gz or a single gzip stream) through one

@@ -1,7 +1,15 @@
 // Gzip trailers are checked: one flipped bit in stored (random) data is found by gunzip,
 // by every extraction of a compressed tar and by testing, also after the tar's end marker;
 // multi-member streams and trailing zeros still pass. And gunzip never writes onto its input.
+#include <pthread.h>
+#include <signal.h>
+#include <unistd.h>
+
 #include <gtest/gtest.h>
+
+#include <optional>
+#include <stdexcept>
+#include <thread>
 
 #include <boost/algorithm/string/join.hpp>
 #include <boost/algorithm/string/replace.hpp>
@@ -17,11 +25,52 @@ void flipBit(const fs::path& file, std::ptrdiff_t at) {
     writeFile(file, bytes);
 }
 
+// As tqarchive untars a gzip file: a second thread gunzips the archive into a pipe, and a
+// safe extraction reads the plain tar from the pipe and asks for the gunzip's verdict once
+// it has read to the end.
+std::string extractedThroughPipe(const fs::path& archive, const fs::path& out) {
+    int ends[2];
+    if (::pipe(ends) != 0) {
+        throw std::runtime_error("pipe");
+    }
+    std::optional<std::string> failure;
+    std::thread gunzip([&] {
+        sigset_t pipeSignal;
+        sigemptyset(&pipeSignal);
+        sigaddset(&pipeSignal, SIGPIPE);
+        pthread_sigmask(SIG_BLOCK, &pipeSignal, nullptr);
+        core::ExtractOptions options;
+        options.outputDescriptor = ends[1];
+        try {
+            core::uncompressgzWithOptions({u16(archive)}, u"", true, options);
+        } catch (const std::exception& error) {
+            failure = error.what();
+        }
+        ::close(ends[1]);
+    });
+    core::ExtractOptions options = core::ExtractOptions::safe();
+    options.inputDescriptor = ends[0];
+    options.upstreamVerdict = [&] {
+        gunzip.join();
+        return failure;
+    };
+    const std::string said = outcome(
+        [&] {
+            return core::extractArchiveWithOptions(u16(archive), u16(out), u"tgz", options).written;
+        },
+        out.parent_path());
+    ::close(ends[0]);
+    if (gunzip.joinable()) {
+        gunzip.join();
+    }
+    return said;
+}
+
 struct Stream {
     std::string file;
     // .gz: uncompressgz | testArchive | what is left. .tgz: extractArchive | safe extraction |
-    // testArchive | what is left. "~" is the output folder, "@" the archive, "same" the
-    // original data.
+    // safe extraction through a pipe | testArchive | what is left. "~" is the output folder, "@"
+    // the archive, "same" the original data.
     std::string expected;
 };
 
@@ -42,10 +91,10 @@ TEST(GzipIntegrity, DamageIsFoundAndSoundStreamsPass) {
     flipBit(dir / "bad.tgz", 2000);
     flipBit(dir / "afterend.tgz", -3000);  // inside the random bytes after the end marker
     const std::string soundTgz =
-        "~/plain/data.bin | ~/safe/data.bin | read 1 | plain/ plain/data.bin=same safe/ "
-        "safe/data.bin=same";
+        "~/plain/data.bin | ~/safe/data.bin | ~/piped/data.bin | read 1 | piped/ "
+        "piped/data.bin=same plain/ plain/data.bin=same safe/ safe/data.bin=same";
     const std::string damagedTgz =
-        "!untar:invalidTarFile(@) | !untar:invalidTarFile(@) | read 1 "
+        "!untar:invalidTarFile(@) | !untar:invalidTarFile(@) | !untar:invalidTarFile(@) | read 1 "
         "testArchive:damagedStream(@;incorrect data check) | plain/";
     const std::vector<Stream> streams = {
         {"good.gz", "~/good | read 1 | good=same"},
@@ -80,6 +129,7 @@ TEST(GzipIntegrity, DamageIsFoundAndSoundStreamsPass) {
                         .written;
                 },
                 out));
+            parts.push_back(extractedThroughPipe(archive, out / "piped"));
             parts.push_back(tested(archive, u"tgz", out));
         }
         parts.push_back(listing(out));
