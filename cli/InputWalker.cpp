@@ -79,7 +79,7 @@ void InputWalker::add(const fs::path& input, const fs::path& base) {
             break;
         }
     }
-    visit(input, name, ancestors, false);
+    visit(input, normal(input).native(), name, ancestors, false);
 }
 
 bool InputWalker::excluded(const std::string& name) const {
@@ -93,8 +93,8 @@ bool InputWalker::excluded(const std::string& name) const {
     });
 }
 
-void InputWalker::visit(const fs::path& diskPath, const std::string& name,
-                        std::vector<FileId>& ancestors, bool nested) {
+void InputWalker::visit(const fs::path& diskPath, const std::string& normalPath,
+                        const std::string& name, std::vector<FileId>& ancestors, bool nested) {
     if (excluded(name)) {
         return;
     }
@@ -110,7 +110,8 @@ void InputWalker::visit(const fs::path& diskPath, const std::string& name,
     const FileId id{info.st_dev, info.st_ino};
     if (S_ISREG(info.st_mode)) {
         if (!excluded_.contains(id)) {
-            emit(diskPath, name, false, nested, static_cast<std::uint64_t>(info.st_size));
+            emit(diskPath, normalPath, name, false, nested,
+                 static_cast<std::uint64_t>(info.st_size));
         }
         return;
     }
@@ -123,7 +124,7 @@ void InputWalker::visit(const fs::path& diskPath, const std::string& name,
         return;
     }
     // A folder listed before was walked then, with everything beneath it.
-    if (!name.empty() && !emit(diskPath, name + "/", true, nested, 0)) {
+    if (!name.empty() && !emit(diskPath, normalPath, name + "/", true, nested, 0)) {
         return;
     }
 
@@ -142,14 +143,17 @@ void InputWalker::visit(const fs::path& diskPath, const std::string& name,
     ancestors.push_back(id);
     for (const fs::path& child : children) {
         const std::string childName = name.empty() ? child.string() : name + "/" + child.string();
-        visit(diskPath / child, childName, ancestors, true);
+        // A name read from a folder is neither "." nor "..": the normal form only grows.
+        const std::string separator = normalPath.ends_with('/') ? "" : "/";  // "/" itself
+        visit(diskPath / child, normalPath + separator + child.native(), childName, ancestors,
+              true);
     }
     ancestors.pop_back();
 }
 
-bool InputWalker::emit(const fs::path& diskPath, std::string name, bool folder, bool nested,
-                       std::uint64_t size) {
-    if (!seen_.insert(normal(diskPath)).second) {
+bool InputWalker::emit(const fs::path& diskPath, const std::string& normalPath, std::string name,
+                       bool folder, bool nested, std::uint64_t size) {
+    if (!seen_.insert(normalPath).second) {
         return false;
     }
     inputs_.push_back({diskPath, std::move(name), folder, nested, size});

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <set>
 #include <string>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -48,15 +49,16 @@ class InputWalker {
   private:
     using FileId = std::pair<dev_t, ino_t>;
 
-    void visit(const std::filesystem::path& diskPath, const std::string& name,
-               std::vector<FileId>& ancestors, bool nested);
+    // normalPath: normal(diskPath), carried down the walk rather than made again.
+    void visit(const std::filesystem::path& diskPath, const std::string& normalPath,
+               const std::string& name, std::vector<FileId>& ancestors, bool nested);
     // False when the path was listed before.
-    bool emit(const std::filesystem::path& diskPath, std::string name, bool folder, bool nested,
-              std::uint64_t size);
+    bool emit(const std::filesystem::path& diskPath, const std::string& normalPath,
+              std::string name, bool folder, bool nested, std::uint64_t size);
     bool excluded(const std::string& name) const;
 
     std::vector<WalkedInput> inputs_;
-    std::set<std::filesystem::path> seen_;
+    std::unordered_set<std::string> seen_;  // normal forms of the paths listed
     std::set<FileId> excluded_;
     std::vector<std::string> patterns_;
 };
