@@ -1,11 +1,11 @@
 #include "CompressingPipe.hpp"
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
-#include <system_error>
+#include <tuple>
+
+#include "makePipe.hpp"
 
 namespace tqarchive {
 
@@ -14,15 +14,7 @@ namespace core = tessel::io::archive::core;
 CompressingPipe::CompressingPipe(const std::u16string& archivePath,
                                  const core::CreateOptions& options)
     : compressor_(std::make_unique<core::StreamCompressor>(archivePath, options)) {
-    int ends[2];
-    if (::pipe2(ends, O_CLOEXEC) != 0) {
-        throw std::system_error(errno, std::generic_category(), "pipe");
-    }
-    output_ = ends[0];
-    input_ = ends[1];
-    // Room for a megabyte: the two threads hand over far fewer, larger blocks (a smaller
-    // pipe only costs speed).
-    ::fcntl(input_, F_SETPIPE_SZ, 1 << 20);
+    std::tie(output_, input_) = makePipe();
     worker_ = std::thread([this] { run(); });
 }
 

@@ -8,24 +8,17 @@
 #include <array>
 #include <cerrno>
 #include <exception>
-#include <system_error>
+#include <tuple>
 
 #include "InterruptFlag.hpp"
+#include "makePipe.hpp"
 
 namespace tqarchive {
 
 namespace core = tessel::io::archive::core;
 
 DecompressingPipe::DecompressingPipe(const std::u16string& archive, int descriptor) {
-    int ends[2];
-    if (::pipe2(ends, O_CLOEXEC) != 0) {
-        throw std::system_error(errno, std::generic_category(), "pipe");
-    }
-    output_ = ends[0];
-    input_ = ends[1];
-    // Room for a megabyte: the two threads hand over far fewer, larger blocks (a smaller
-    // pipe only costs speed).
-    ::fcntl(input_, F_SETPIPE_SZ, 1 << 20);
+    std::tie(output_, input_) = makePipe();
     worker_ = std::thread([this, archive, descriptor] { run(archive, descriptor); });
 }
 
