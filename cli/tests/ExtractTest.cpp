@@ -138,6 +138,13 @@ TEST(Extract, EntriesLandingOutsideAreRefusedAndNothingNewIsLeftUnlessUnsafePath
          "tar -cf h.tar -C src l && tar -rf h.tar l/evil.txt",
          "work/evil.txt"},
         {"ln -s /etc/passwd cfg && tar -cf h.tar cfg", "work/new/deep/cfg"},
+        // gzip-compressed, refused at its first entry while the second thread still has
+        // megabytes to inflate into the pipe the refusal closed.
+        {"python3 -c \"import io, os, tarfile; t = tarfile.open('h.tar', 'w:gz'); "
+         "i = tarfile.TarInfo('../evil.txt'); i.size = 1; t.addfile(i, io.BytesIO(b'x')); "
+         "b = os.urandom(4 << 20); i = tarfile.TarInfo('big.bin'); i.size = len(b); "
+         "t.addfile(i, io.BytesIO(b)); t.close()\"",
+         "work/new/evil.txt"},
     };
     for (const Hostile& sample : samples) {
         SCOPED_TRACE(sample.make);
