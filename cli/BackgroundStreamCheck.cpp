@@ -9,7 +9,7 @@ namespace core = tessel::io::archive::core;
 
 namespace {
 
-constexpr std::size_t kQueuedBlocks = 8;
+constexpr std::size_t kQueuedBlocks = 64;  // at most a few MiB waiting
 
 }  // namespace
 

@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <memory>
 #include <new>
+#include <stdexcept>
 #include <vector>
 
 #include <archive/core/error/ArchiveException.hpp>
@@ -56,6 +57,10 @@ StreamCompressor::~StreamCompressor() = default;
 
 void StreamCompressor::compress(int inputDescriptor) {
     try {
+        if (!creator_) {
+            throw std::logic_error(
+                "StreamCompressor::compress called after the output was finished");
+        }
         const std::unique_ptr<::archive_entry, EntryFreer> entry(archive_entry_new());
         if (!entry) {
             throw std::bad_alloc();

@@ -29,7 +29,7 @@ class StreamCompressor {
 
     // Compresses everything read from the descriptor up to its end, then finishes the
     // output and reports its final close: tar:DiskSpaceFull, createArchive:writeError.
-    // The descriptor stays open.
+    // The descriptor stays open. Called once; a second call raises the internal error.
     TQARCHIVE_API void compress(int inputDescriptor);
 
   private:

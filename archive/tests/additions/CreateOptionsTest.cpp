@@ -216,6 +216,18 @@ TEST(StreamCompressor, CompressesAsTheLibraryWouldAndRefusesWhatItWould) {
             dir.path());
     };
     EXPECT_EQ(compressed("stream.tgz", {}), "");
+    // A second call finds the output finished.
+    const int empty = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+    EXPECT_EQ(outcome(
+                  [&] {
+                      core::StreamCompressor compressor(u16(dir / "twice.tgz"), {});
+                      compressor.compress(empty);
+                      compressor.compress(empty);
+                      return Paths{};
+                  },
+                  dir.path()),
+              "!extractArchive:internalError");
+    ::close(empty);
     EXPECT_EQ(sh(dir.path(),
                  "gzip -dc stream.tgz | cmp - plain.tar && gzip -dc library.tgz | "
                  "cmp - plain.tar && bsdtar -tf stream.tgz"),
