@@ -3,9 +3,10 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <variant>
 
 #include "CliMessages.hpp"
-#include "CommandDocs.hpp"
+#include "CommandTable.hpp"
 #include "nearestOption.hpp"
 
 namespace tqarchive {
@@ -25,77 +26,44 @@ void configure(CLI::App& app) {
     app.allow_extras();
 }
 
-void addFlag(CLI::App& app, const OptionDoc& option, bool& target) {
-    app.add_flag(option.names, target)->disable_flag_override();
-}
+// One visitor made of the handlers, for std::visit.
+template <class... Handlers>
+struct Overloaded : Handlers... {
+    using Handlers::operator()...;
+};
 
+// Defines the option in the app, filling the field its row names.
 void addOption(CLI::App& app, OptionId id, CommandLine& result, std::string& levelText) {
-    const OptionDoc& option = CommandDocs::option(id);
-    switch (id) {
-        case OptionId::Root:
-            app.add_option(option.names, result.rootFolder);
-            break;
-        case OptionId::Output:
-            app.add_option(option.names, result.outputFolder);
-            break;
-        case OptionId::Password:
-            app.add_option(option.names, result.password)
-                ->expected(0, 1)
-                ->default_str(kPromptMarker);
-            break;
-        case OptionId::PasswordFile:
-            app.add_option(option.names, result.passwordFile);
-            break;
-        case OptionId::Encryption:
-            app.add_option(option.names, result.encryption);
-            break;
-        case OptionId::Exclude:
-            app.add_option(option.names, result.excludes)->allow_extra_args(false);
-            break;
-        case OptionId::Level:
-            // The last of -0 ... -9 and --level given wins, so each sets it when parsed.
-            for (char digit = '0'; digit <= '9'; ++digit) {
-                app.add_flag_callback(std::string("-") + digit,
+    const Option& option = CommandTable::option(id);
+    std::visit(Overloaded{
+                   [&](bool CommandLine::*flag) {
+                       app.add_flag(option.names, result.*flag)->disable_flag_override();
+                   },
+                   [&](std::optional<std::string> CommandLine::*value) {
+                       CLI::Option* added = app.add_option(option.names, result.*value);
+                       if (option.valueOptional) {
+                           added->expected(0, 1)->default_str(kPromptMarker);
+                       }
+                   },
+                   [&](std::vector<std::string> CommandLine::*values) {
+                       app.add_option(option.names, result.*values)->allow_extra_args(false);
+                   },
+                   [&](int CommandLine::*) {
+                       // The digit is checked once the line is read (checkCombinations). The last
+                       // of -0 ... -9 and --level given wins, so each sets it when parsed.
+                       if (option.digitShorthands) {
+                           for (char digit = '0'; digit <= '9'; ++digit) {
+                               app.add_flag_callback(
+                                      std::string("-") + digit,
                                       [&levelText, digit] { levelText = std::string(1, digit); })
-                    ->trigger_on_parse()
-                    ->disable_flag_override();
-            }
-            app.add_option(option.names, levelText)->trigger_on_parse();
-            break;
-        case OptionId::Format:
-            app.add_option(option.names, result.format);
-            break;
-        case OptionId::Stdout:
-            addFlag(app, option, result.toStdout);
-            break;
-        case OptionId::KeepExisting:
-            addFlag(app, option, result.keepExisting);
-            break;
-        case OptionId::PreservePermissions:
-            addFlag(app, option, result.preservePermissions);
-            break;
-        case OptionId::UnsafePaths:
-            addFlag(app, option, result.unsafePaths);
-            break;
-        case OptionId::Json:
-            addFlag(app, option, result.json);
-            break;
-        case OptionId::Log:
-            app.add_option(option.names, result.logFile);
-            break;
-        case OptionId::Quiet:
-            addFlag(app, option, result.quiet);
-            break;
-        case OptionId::Verbose:
-            addFlag(app, option, result.verbose);
-            break;
-        case OptionId::Help:
-            addFlag(app, option, result.help);
-            break;
-        case OptionId::Version:
-            addFlag(app, option, result.version);
-            break;
-    }
+                                   ->trigger_on_parse()
+                                   ->disable_flag_override();
+                           }
+                       }
+                       app.add_option(option.names, levelText)->trigger_on_parse();
+                   },
+               },
+               option.target);
 }
 
 // The option part of an argument as typed: "--name" of "--name=value", "-x" of "-xvalue".
@@ -106,16 +74,23 @@ std::string optionName(const std::string& argument) {
     return argument.substr(0, 2);
 }
 
-[[noreturn]] void refuseOption(const std::string& argument, const std::string& command) {
+bool spells(OptionId id, const std::string& name) {
+    const auto spellings = CommandTable::spellings(CommandTable::option(id));
+    return std::find(spellings.begin(), spellings.end(), name) != spellings.end();
+}
+
+// command is null before the command.
+[[noreturn]] void refuseOption(const std::string& argument, const Command* command) {
     const std::string name = optionName(argument);
-    if (name == "-C" && (command == "unzip" || command == "untar")) {
-        raiseUsageError("extractUsesD", {command});
-    }
-    for (const CommandDoc& other : CommandDocs::commands()) {
-        for (const OptionUse& use : other.options) {
-            const auto names = CommandDocs::spellings(CommandDocs::option(use.id));
-            if (!command.empty() && std::find(names.begin(), names.end(), name) != names.end()) {
-                raiseUsageError("optionNotAllowed", {name, command});
+    if (command != nullptr) {
+        if (command->action == Action::Extract && spells(OptionId::Root, name)) {
+            raiseUsageError("extractUsesD", {command->name});
+        }
+        for (const Command& other : CommandTable::commands()) {
+            for (const OptionUse& use : other.options) {
+                if (spells(use.id, name)) {
+                    raiseUsageError("optionNotAllowed", {name, command->name});
+                }
             }
         }
     }
@@ -129,7 +104,7 @@ std::string optionName(const std::string& argument) {
 // arguments left over that are not options (the command and its arguments, for the
 // program's own part of the line).
 std::vector<std::string> parseInto(CLI::App& app, const std::vector<std::string>& arguments,
-                                   const std::string& command) {
+                                   const Command* command) {
     std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
     try {
         app.parse(reversed);
@@ -171,21 +146,18 @@ void checkCombinations(const CommandLine& line, const std::string& levelText) {
 }
 
 void checkOperands(const CommandLine& line) {
-    const std::string& command = line.command;
+    const Command& command = *line.command;
+    const std::vector<std::string>& required = command.operands.required;
     const std::size_t count = line.operands.size();
-    const bool gzipFamily = command == "gzip" || command == "gunzip";
-    if (command == "gzip" && count == 0 && line.outputFolder) {
+    if (command.action == Action::Compress && count == 0 && line.outputFolder) {
         // "gzip -d FILE.gz", as GNU gzip decompresses: here -d took FILE.gz as its folder.
         raiseUsageError("gzipDecompress", {*line.outputFolder});
     }
-    if (count == 0) {
-        raiseUsageError("missingOperand", {gzipFamily ? "INPUT"s : "ARCHIVE"s, command});
+    if (count < required.size()) {
+        raiseUsageError("missingOperand", {required[count], command.name});
     }
-    if ((command == "zip" || command == "tar") && count < 2) {
-        raiseUsageError("missingOperand", {"INPUT"s, command});
-    }
-    if ((command == "list" || command == "test") && count > 1) {
-        raiseUsageError("extraOperand", {line.operands[1], command});
+    if (command.operands.more.empty() && count > required.size()) {
+        raiseUsageError("extraOperand", {line.operands[required.size()], command.name});
     }
 }
 
@@ -199,12 +171,12 @@ CommandLine CommandLine::parse(const std::vector<std::string>& arguments) {
     CLI::App program("", "tqarchive");
     configure(program);
     program.prefix_command();
-    for (OptionId id : CommandDocs::common()) {
+    for (OptionId id : CommandTable::common()) {
         addOption(program, id, result, levelText);
     }
     program.add_flag("--generate-man", result.generateMan);
     program.add_option("--generate-completion", result.generateCompletion);
-    const std::vector<std::string> rest = parseInto(program, arguments, "");
+    const std::vector<std::string> rest = parseInto(program, arguments, nullptr);
     if (rest.empty()) {
         if (result.help || result.version || result.generateMan || result.generateCompletion) {
             return result;
@@ -212,21 +184,21 @@ CommandLine CommandLine::parse(const std::vector<std::string>& arguments) {
         raiseUsageError("missingCommand");
     }
 
-    const CommandDoc* command = CommandDocs::find(rest.front());
+    const Command* command = CommandTable::find(rest.front());
     if (command == nullptr) {
         raiseUsageError("unknownCommand", {rest.front()});
     }
-    result.command = command->name;
+    result.command = command;
     CLI::App app("", "tqarchive " + command->name);
     configure(app);
-    for (OptionId id : CommandDocs::common()) {
+    for (OptionId id : CommandTable::common()) {
         addOption(app, id, result, levelText);
     }
     for (const OptionUse& use : command->options) {
         addOption(app, use.id, result, levelText);
     }
     app.add_option("operands", result.operands);
-    parseInto(app, std::vector<std::string>(rest.begin() + 1, rest.end()), command->name);
+    parseInto(app, std::vector<std::string>(rest.begin() + 1, rest.end()), command);
 
     if (result.help || result.version) {
         return result;

@@ -6,10 +6,35 @@
 
 namespace tqarchive {
 
+struct Command;
+
+// Every option the program knows; CommandTable::options() holds each one's row.
+enum class OptionId {
+    Root,
+    Output,
+    Password,
+    PasswordFile,
+    Encryption,
+    Exclude,
+    Level,
+    Format,
+    Stdout,
+    KeepExisting,
+    PreservePermissions,
+    UnsafePaths,
+    Json,
+    Log,
+    Quiet,
+    Verbose,
+    Help,
+    Version
+};
+
 // A parsed tqarchive command line. The common options may come before the command too;
-// "--" ends the options.
+// "--" ends the options. Each option's row in CommandTable::options() names the field the
+// parser fills.
 struct CommandLine {
-    std::string command;                      // one of CommandDocs::commands(); empty: none
+    const Command* command = nullptr;         // its row of CommandTable::commands(); null: none
     std::vector<std::string> operands;        // in the order given
     std::optional<std::string> rootFolder;    // -C
     std::optional<std::string> outputFolder;  // -d

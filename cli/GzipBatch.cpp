@@ -11,6 +11,7 @@
 #include <host/TextConversion.hpp>
 
 #include "CliMessages.hpp"
+#include "Command.hpp"
 #include "InterruptFlag.hpp"
 #include "ReplacementFile.hpp"
 
@@ -35,7 +36,7 @@ bool endsInGz(std::string name) {
 }  // namespace
 
 GzipBatch::GzipBatch(const CommandLine& commandLine)
-    : commandLine_(commandLine), decompress_(commandLine.command == "gunzip") {}
+    : commandLine_(commandLine), decompress_(commandLine.command->action == Action::Decompress) {}
 
 void GzipBatch::add(const std::string& operand) {
     if (operand.empty()) {
@@ -117,7 +118,7 @@ void GzipBatch::process(const Job& job, ProgressReporter& reporter) const {
 std::vector<std::u16string> GzipBatch::run(ProgressReporter& reporter) {
     const std::vector<Job> jobs = plan();
     if (commandLine_.toStdout && !decompress_ && ::isatty(STDOUT_FILENO) == 1) {
-        raiseError("terminalOutput", {commandLine_.command});
+        raiseError("terminalOutput", {commandLine_.command->name});
     }
     for (const Job& job : jobs) {
         std::error_code error;

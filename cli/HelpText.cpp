@@ -1,6 +1,6 @@
 #include "HelpText.hpp"
 
-#include "CommandDocs.hpp"
+#include "CommandTable.hpp"
 
 namespace tqarchive {
 
@@ -36,9 +36,9 @@ std::string wrap(const std::string& text, const std::string& firstIndent,
 }
 
 // "  -C DIR        help..." with the help in a column of its own.
-std::string optionLines(const OptionDoc& option, const std::string& help) {
+std::string optionLines(const Option& option, const std::string& help) {
     const std::string indent(25, ' ');
-    std::string head = "  " + CommandDocs::synopsis(option);
+    std::string head = "  " + CommandTable::synopsis(option);
     if (head.size() + 2 > indent.size()) {
         return head + "\n" + wrap(help, indent, indent);
     }
@@ -47,23 +47,23 @@ std::string optionLines(const OptionDoc& option, const std::string& help) {
 
 std::string overviewText() {
     std::string text = "Usage: tqarchive COMMAND [OPTION...] OPERAND...\n\n" +
-                       wrap(CommandDocs::overview().front(), "", "") + "\nCommands:\n";
-    for (const CommandDoc& command : CommandDocs::commands()) {
-        std::string head = "  " + command.name + " " + command.operands;
+                       wrap(CommandTable::overview().front(), "", "") + "\nCommands:\n";
+    for (const Command& command : CommandTable::commands()) {
+        std::string head = "  " + command.name + " " + CommandTable::synopsis(command.operands);
         head.resize(std::max<std::size_t>(head.size() + 1, 25), ' ');
         text += wrap(command.summary, head, std::string(25, ' '));
     }
     text += "\nOptions for every command:\n";
-    for (OptionId id : CommandDocs::common()) {
-        text += optionLines(CommandDocs::option(id), CommandDocs::option(id).help);
+    for (OptionId id : CommandTable::common()) {
+        text += optionLines(CommandTable::option(id), CommandTable::option(id).help);
     }
-    for (auto paragraph = CommandDocs::overview().begin() + 1;
-         paragraph != CommandDocs::overview().end(); ++paragraph) {
+    for (auto paragraph = CommandTable::overview().begin() + 1;
+         paragraph != CommandTable::overview().end(); ++paragraph) {
         text += '\n';
         text += wrap(*paragraph, "", "");
     }
     text += "\nExit status:\n";
-    for (const ExitStatusDoc& status : CommandDocs::exitStatuses()) {
+    for (const ExitStatusDoc& status : CommandTable::exitStatuses()) {
         std::string head = "  " + std::to_string(status.status);
         head.resize(8, ' ');
         text += wrap(status.meaning, head, std::string(8, ' '));
@@ -73,25 +73,24 @@ std::string overviewText() {
 
 }  // namespace
 
-std::string helpText(const std::string& name) {
-    const CommandDoc* command = CommandDocs::find(name);
+std::string helpText(const Command* command) {
     if (command == nullptr) {
         return overviewText();
     }
-    std::string text =
-        "Usage: tqarchive " + command->name + " " + command->operands + " [OPTION...]\n";
+    std::string text = "Usage: tqarchive " + command->name + " " +
+                       CommandTable::synopsis(command->operands) + " [OPTION...]\n";
     for (const std::string& paragraph : command->description) {
         text += '\n';
         text += wrap(paragraph, "", "");
     }
     text += "\nOptions:\n";
     for (const OptionUse& use : command->options) {
-        const OptionDoc& option = CommandDocs::option(use.id);
+        const Option& option = CommandTable::option(use.id);
         text += optionLines(option, use.help.empty() ? option.help : use.help);
     }
     text += "\nOptions for every command:\n";
-    for (OptionId id : CommandDocs::common()) {
-        text += optionLines(CommandDocs::option(id), CommandDocs::option(id).help);
+    for (OptionId id : CommandTable::common()) {
+        text += optionLines(CommandTable::option(id), CommandTable::option(id).help);
     }
     text += "\nExamples:\n";
     for (const Example& example : command->examples) {

@@ -2,9 +2,11 @@
 
 #include <string>
 
+#include "Command.hpp"
+
 namespace tqarchive {
 
-// The help of one command, or the program's overview for an empty command.
-std::string helpText(const std::string& command);
+// The help of one command, or the program's overview for none (null).
+std::string helpText(const Command* command);
 
 }  // namespace tqarchive

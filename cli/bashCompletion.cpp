@@ -1,4 +1,4 @@
-#include "CommandDocs.hpp"
+#include "CommandTable.hpp"
 #include "DocumentGenerators.hpp"
 
 namespace tqarchive {
@@ -17,7 +17,7 @@ std::string join(const std::vector<std::string>& words) {
 std::string optionWords(const std::vector<OptionId>& ids) {
     std::vector<std::string> words;
     for (OptionId id : ids) {
-        for (const std::string& spelling : CommandDocs::spellings(CommandDocs::option(id))) {
+        for (const std::string& spelling : CommandTable::spellings(CommandTable::option(id))) {
             words.push_back(spelling);
         }
     }
@@ -27,12 +27,10 @@ std::string optionWords(const std::vector<OptionId>& ids) {
 // The case pattern of the options that take a value of the kind ("-C|-d").
 std::string pattern(ValueKind kind) {
     std::vector<std::string> spellings;
-    for (const OptionDoc& option : CommandDocs::options()) {
+    for (const Option& option : CommandTable::options()) {
         if (option.kind == kind && !option.value.empty()) {
-            for (const std::string& spelling : CommandDocs::spellings(option)) {
-                if (option.id != OptionId::Level || spelling == "--level") {
-                    spellings.push_back(spelling);
-                }
+            for (const std::string& name : CommandTable::names(option)) {
+                spellings.push_back(name);
             }
         }
     }
@@ -47,7 +45,7 @@ std::string pattern(ValueKind kind) {
 
 std::string bashCompletion() {
     std::vector<std::string> commands;
-    for (const CommandDoc& command : CommandDocs::commands()) {
+    for (const Command& command : CommandTable::commands()) {
         commands.push_back(command.name);
     }
     std::string script =
@@ -74,12 +72,12 @@ std::string bashCompletion() {
         ") COMPREPLY=($(compgen -d -- \"$cur\")); return ;;\n"
         "        " +
         pattern(ValueKind::File) + ") COMPREPLY=($(compgen -f -- \"$cur\")); return ;;\n";
-    for (const OptionDoc& option : CommandDocs::options()) {
+    for (const Option& option : CommandTable::options()) {
         if (option.kind == ValueKind::Choice) {
             script += "        " + option.names + ") COMPREPLY=($(compgen -W \"" +
                       join(option.choices) + "\" -- \"$cur\")); return ;;\n";
         } else if (option.kind == ValueKind::None && !option.value.empty() &&
-                   option.id != OptionId::Password) {
+                   !option.valueOptional) {
             script += "        " + option.names + ") return ;;\n";
         }
     }
@@ -87,18 +85,18 @@ std::string bashCompletion() {
         "    esac\n"
         "    if [[ -z $command ]]; then\n"
         "        COMPREPLY=($(compgen -W \"" +
-        join(commands) + " " + optionWords(CommandDocs::common()) +
+        join(commands) + " " + optionWords(CommandTable::common()) +
         "\" -- \"$cur\"))\n"
         "        return\n"
         "    fi\n"
         "    if [[ $cur == -* ]]; then\n"
         "        case $command in\n";
-    for (const CommandDoc& command : CommandDocs::commands()) {
+    for (const Command& command : CommandTable::commands()) {
         std::vector<OptionId> ids;
         for (const OptionUse& use : command.options) {
             ids.push_back(use.id);
         }
-        ids.insert(ids.end(), CommandDocs::common().begin(), CommandDocs::common().end());
+        ids.insert(ids.end(), CommandTable::common().begin(), CommandTable::common().end());
         script += "            " + command.name + ") COMPREPLY=($(compgen -W \"" +
                   optionWords(ids) + "\" -- \"$cur\")) ;;\n";
     }

@@ -111,7 +111,8 @@ std::vector<std::u16string> writeArchive(const std::u16string& archive,
 }  // namespace
 
 int createArchiveFromInputs(const CommandLine& commandLine) {
-    const bool zip = commandLine.command == "zip";
+    const Command& command = *commandLine.command;
+    const bool zip = command.format == Format::Zip;
     const std::string& archive = commandLine.operands.front();
     const bool toStdout = archive == "-";
 
@@ -123,12 +124,12 @@ int createArchiveFromInputs(const CommandLine& commandLine) {
         options.filter = type.filter;
     }
     if (toStdout && ::isatty(STDOUT_FILENO) == 1) {
-        raiseError("terminalOutput", {commandLine.command});
+        raiseError("terminalOutput", {command.name});
     }
     std::error_code error;
     if (!toStdout && fs::is_directory(archive, error)) {
         // Most likely the operands were swapped; say so before anything is read or written.
-        raiseError("archiveIsFolder", {fromFileSystemText(archive), commandLine.command});
+        raiseError("archiveIsFolder", {fromFileSystemText(archive), command.name});
     }
 
     const fs::path root = commandLine.rootFolder.value_or(std::string());

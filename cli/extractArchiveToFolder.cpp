@@ -25,14 +25,8 @@ using tessel::host::fromFileSystemText;
 namespace {
 
 core::ExtractOptions extractOptions(const CommandLine& commandLine) {
-    core::ExtractOptions options = core::ExtractOptions::safe();
-    if (commandLine.unsafePaths) {
-        // Today's unconfined extraction; safe writes and the cleanup stay.
-        options.confine = false;
-        options.skipSpecialFiles = false;
-        options.restrictPermissions = false;
-        options.refuseOutwardLinks = false;
-    }
+    core::ExtractOptions options =
+        commandLine.unsafePaths ? core::ExtractOptions::unsafe() : core::ExtractOptions::safe();
     if (commandLine.preservePermissions) {
         options.restrictPermissions = false;
     }
@@ -133,10 +127,9 @@ int extractArchiveToFolder(const CommandLine& commandLine) {
         raiseError("archiveNotFound", {fromFileSystemText(archive)});
     }
     core::ExtractOptions options = extractOptions(commandLine);
-    if (commandLine.command == "unzip") {
-        if (const auto password = PasswordSource::resolve(commandLine, false)) {
-            options.password = tessel::host::fromUtf8(*password);
-        }
+    // Nothing for a command that takes no password (untar).
+    if (const auto password = PasswordSource::resolve(commandLine, false)) {
+        options.password = tessel::host::fromUtf8(*password);
     }
     if (fromStdin) {
         options.inputDescriptor = STDIN_FILENO;
@@ -147,8 +140,8 @@ int extractArchiveToFolder(const CommandLine& commandLine) {
     const fs::path outputFolder = commandLine.outputFolder.value_or(".");
     // A gzip-compressed tar file is inflated once, on a second core, beside the extraction
     // (looked at here, while a relative name still means what it says).
-    const bool gzippedTar =
-        commandLine.command == "untar" && !fromStdin && DecompressingPipe::isGzip(archive);
+    const bool gzippedTar = commandLine.command->format == Format::Tar && !fromStdin &&
+                            DecompressingPipe::isGzip(archive);
     InterruptFlag::check();
     const fs::path created = makeOutputFolder(outputFolder);
     core::ExtractResult result;
@@ -170,7 +163,7 @@ int extractArchiveToFolder(const CommandLine& commandLine) {
         }
         result = core::extractArchiveWithOptions(
             fromFileSystemText(archive), inside ? u"." : fromFileSystemText(outputFolder.string()),
-            readFormatFor(commandLine.command, archive), options);
+            readFormatFor(*commandLine.command, archive), options);
     } catch (...) {
         // The library took back what it wrote; the folder made for it goes too.
         reporter.clear();

@@ -21,8 +21,9 @@ int listArchiveEntries(const CommandLine& commandLine) {
                                    : commandLine.verbose ? EntryLine::Style::Long
                                                          : EntryLine::Style::Name;
     const std::string& archive = commandLine.operands.front();
-    core::listArchive(tessel::host::fromFileSystemText(archive), readFormatFor("list", archive),
-                      options, [style](const core::EntryInfo& entry) {
+    core::listArchive(tessel::host::fromFileSystemText(archive),
+                      readFormatFor(*commandLine.command, archive), options,
+                      [style](const core::EntryInfo& entry) {
                           std::cout << EntryLine::format(entry, style) << '\n';
                       });
     std::cout.flush();

@@ -10,9 +10,8 @@
 #include <host/HostError.hpp>
 
 #include "CliMessages.hpp"
-#include "CommandDocs.hpp"
 #include "CommandLine.hpp"
-#include "Commands.hpp"
+#include "CommandTable.hpp"
 #include "DocumentGenerators.hpp"
 #include "HelpText.hpp"
 #include "InterruptFlag.hpp"
@@ -50,26 +49,13 @@ int run(const tqarchive::CommandLine& commandLine) {
             std::filesystem::absolute(*commandLine.logFile, error);
         setenv("TQARCHIVE_LOG", (error ? *commandLine.logFile : logFile.string()).c_str(), 1);
     }
-    const std::string& command = commandLine.command;
-    if (command == "zip" || command == "tar") {
-        return createArchiveFromInputs(commandLine);
-    }
-    if (command == "unzip" || command == "untar") {
-        return extractArchiveToFolder(commandLine);
-    }
-    if (command == "list") {
-        return listArchiveEntries(commandLine);
-    }
-    if (command == "test") {
-        return testArchiveEntries(commandLine);
-    }
-    return runGzipBatch(commandLine);
+    return commandLine.command->run(commandLine);
 }
 
 // The first command named among the arguments, for the hint after a usage error.
 std::string commandNamedIn(const std::vector<std::string>& arguments) {
     for (const std::string& argument : arguments) {
-        if (tqarchive::CommandDocs::find(argument) != nullptr) {
+        if (tqarchive::CommandTable::find(argument) != nullptr) {
             return argument;
         }
     }

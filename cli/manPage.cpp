@@ -1,6 +1,6 @@
 #include <host/HostError.hpp>
 
-#include "CommandDocs.hpp"
+#include "CommandTable.hpp"
 #include "DocumentGenerators.hpp"
 #include "versionText.hpp"
 
@@ -26,8 +26,8 @@ std::string roff(const std::string& text) {
     return out;
 }
 
-std::string optionItem(const OptionDoc& option, const std::string& help) {
-    return ".TP\n.B " + roff(CommandDocs::synopsis(option)) + "\n" + roff(help) + "\n";
+std::string optionItem(const Option& option, const std::string& help) {
+    return ".TP\n.B " + roff(CommandTable::synopsis(option)) + "\n" + roff(help) + "\n";
 }
 
 }  // namespace
@@ -38,23 +38,24 @@ std::string manPage() {
     page +=
         ".SH NAME\ntqarchive \\- create, extract, list and test zip and tar archives; gzip "
         "and gunzip files\n.SH SYNOPSIS\n";
-    for (const CommandDoc& command : CommandDocs::commands()) {
-        page += ".B tqarchive " + command.name + "\n.I " + roff(command.operands) +
-                "\n[\\fIOPTION\\fR...]\n.br\n";
+    for (const Command& command : CommandTable::commands()) {
+        page += ".B tqarchive " + command.name + "\n.I " +
+                roff(CommandTable::synopsis(command.operands)) + "\n[\\fIOPTION\\fR...]\n.br\n";
     }
     page += ".SH DESCRIPTION\n";
-    for (const std::string& paragraph : CommandDocs::overview()) {
+    for (const std::string& paragraph : CommandTable::overview()) {
         page += ".PP\n" + roff(paragraph) + "\n";
     }
     page += ".SH COMMANDS\n";
     std::string examples;
-    for (const CommandDoc& command : CommandDocs::commands()) {
-        page += ".SS \"" + command.name + " " + roff(command.operands) + "\"\n";
+    for (const Command& command : CommandTable::commands()) {
+        page +=
+            ".SS \"" + command.name + " " + roff(CommandTable::synopsis(command.operands)) + "\"\n";
         for (const std::string& paragraph : command.description) {
             page += ".PP\n" + roff(paragraph) + "\n";
         }
         for (const OptionUse& use : command.options) {
-            const OptionDoc& option = CommandDocs::option(use.id);
+            const Option& option = CommandTable::option(use.id);
             page += optionItem(option, use.help.empty() ? option.help : use.help);
         }
         for (const Example& example : command.examples) {
@@ -63,11 +64,11 @@ std::string manPage() {
         }
     }
     page += ".SH OPTIONS FOR EVERY COMMAND\n";
-    for (OptionId id : CommandDocs::common()) {
-        page += optionItem(CommandDocs::option(id), CommandDocs::option(id).help);
+    for (OptionId id : CommandTable::common()) {
+        page += optionItem(CommandTable::option(id), CommandTable::option(id).help);
     }
     page += ".SH EXIT STATUS\n";
-    for (const ExitStatusDoc& status : CommandDocs::exitStatuses()) {
+    for (const ExitStatusDoc& status : CommandTable::exitStatuses()) {
         page += ".TP\n.B " + std::to_string(status.status) + "\n" + roff(status.meaning) + "\n";
     }
     page +=

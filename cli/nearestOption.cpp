@@ -4,7 +4,7 @@
 #include <numeric>
 #include <vector>
 
-#include "CommandDocs.hpp"
+#include "CommandTable.hpp"
 
 namespace tqarchive {
 
@@ -29,11 +29,11 @@ std::size_t editDistance(const std::string& from, const std::string& to) {
 
 }  // namespace
 
-std::optional<std::string> nearestOption(const std::string& unknown, const std::string& command) {
-    std::vector<OptionId> ids = CommandDocs::common();
-    for (const CommandDoc& doc : CommandDocs::commands()) {
-        if (command.empty() || doc.name == command) {
-            for (const OptionUse& use : doc.options) {
+std::optional<std::string> nearestOption(const std::string& unknown, const Command* command) {
+    std::vector<OptionId> ids = CommandTable::common();
+    for (const Command& row : CommandTable::commands()) {
+        if (command == nullptr || &row == command) {
+            for (const OptionUse& use : row.options) {
                 ids.push_back(use.id);
             }
         }
@@ -41,7 +41,7 @@ std::optional<std::string> nearestOption(const std::string& unknown, const std::
     std::optional<std::string> best;
     std::size_t bestDistance = 3;  // farther than two edits is a guess, not a typo
     for (OptionId id : ids) {
-        for (const std::string& spelling : CommandDocs::spellings(CommandDocs::option(id))) {
+        for (const std::string& spelling : CommandTable::spellings(CommandTable::option(id))) {
             const std::size_t distance = editDistance(unknown, spelling);
             // A short option is one letter: any other letter is "near" it.
             if (spelling.size() > 2 && distance < bestDistance) {

@@ -7,10 +7,7 @@ namespace tqarchive {
 
 namespace core = tessel::io::archive::core;
 
-std::u16string readFormatFor(const std::string& command, const std::string& archive) {
-    if (command == "unzip") {
-        return u"zip";
-    }
+std::u16string readFormatFor(const Command& command, const std::string& archive) {
     const auto type = archive == "-"
                           ? std::nullopt
                           : core::archiveTypeFromName(tessel::host::fromFileSystemText(archive));
@@ -19,10 +16,20 @@ std::u16string readFormatFor(const std::string& command, const std::string& arch
     // not tell (standard input among them).
     const bool tarOrTgz =
         type && (type->format == u"tgz" || (type->format == u"tar" && type->filter.empty()));
-    if (command == "untar" || !type || type->format == u"tar") {
+    switch (command.format) {
+        case Format::Zip:
+            return u"zip";
+        case Format::Gzip:
+            return u"gz";
+        case Format::Tar:
+            return tarOrTgz ? u"tgz" : u"tar";
+        case Format::AsNamed:
+            break;
+    }
+    if (!type || type->format == u"tar") {
         return tarOrTgz ? u"tgz" : u"tar";
     }
-    return type->format;  // list and test: "zip", "tgz" or "gz"
+    return type->format;  // "zip", "tgz" or "gz"
 }
 
 }  // namespace tqarchive

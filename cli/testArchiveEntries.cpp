@@ -15,8 +15,9 @@ int testArchiveEntries(const CommandLine& commandLine) {
     ProgressReporter reporter(commandLine.quiet, commandLine.verbose);
     const core::ExtractOptions options = readingOptions(commandLine, reporter);
     const std::string& archive = commandLine.operands.front();
-    const core::TestReport report = core::testArchive(tessel::host::fromFileSystemText(archive),
-                                                      readFormatFor("test", archive), options);
+    const core::TestReport report =
+        core::testArchive(tessel::host::fromFileSystemText(archive),
+                          readFormatFor(*commandLine.command, archive), options);
     reporter.clear();
     for (const tessel::host::MessageIdError& damage : report.damage) {
         printError(damage);

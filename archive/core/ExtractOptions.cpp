@@ -13,4 +13,13 @@ ExtractOptions ExtractOptions::safe() {
     return options;
 }
 
+ExtractOptions ExtractOptions::unsafe() {
+    ExtractOptions options = safe();
+    options.confine = false;
+    options.skipSpecialFiles = false;
+    options.restrictPermissions = false;
+    options.refuseOutwardLinks = false;
+    return options;
+}
+
 }  // namespace tessel::io::archive::core

@@ -66,6 +66,9 @@ struct ExtractOptions {
     // What a careful command-line tool wants: confine, skipSpecialFiles,
     // restrictPermissions, refuseOutwardLinks, safeWrites and removeCreatedOnFailure.
     TQARCHIVE_API static ExtractOptions safe();
+    // safe() without confinement and the safe modes: for archives the user trusts. Safe
+    // writes and the cleanup on failure stay.
+    TQARCHIVE_API static ExtractOptions unsafe();
 };
 
 struct ExtractResult {
