@@ -14,6 +14,9 @@ namespace tqarchive {
 inline constexpr const char* kComponent = "tqarchive";
 inline constexpr const char* kUsageComponent = "tqarchive:usage";
 
+// How messages name standard output when it is what is being written.
+inline constexpr const char16_t* kStandardOutputName = u"standard output";
+
 [[noreturn]] void raiseError(const char* mnemonic,
                              std::vector<tessel::host::MessageArgument> arguments = {});
 [[noreturn]] void raiseUsageError(const char* mnemonic,

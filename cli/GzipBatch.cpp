@@ -1,5 +1,6 @@
 #include "GzipBatch.hpp"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -14,6 +15,7 @@
 #include "Command.hpp"
 #include "InterruptFlag.hpp"
 #include "ReplacementFile.hpp"
+#include "StandardOutput.hpp"
 
 namespace tqarchive {
 
@@ -36,7 +38,9 @@ bool endsInGz(std::string name) {
 }  // namespace
 
 GzipBatch::GzipBatch(const CommandLine& commandLine)
-    : commandLine_(commandLine), decompress_(commandLine.command->action == Action::Decompress) {}
+    : commandLine_(commandLine), decompress_(commandLine.command->action == Action::Decompress) {
+    walker_.skipLinksBeneathFolders();
+}
 
 void GzipBatch::add(const std::string& operand) {
     if (operand.empty()) {
@@ -94,13 +98,21 @@ void GzipBatch::process(const Job& job, ProgressReporter& reporter) const {
     if (!commandLine_.toStdout) {
         file.emplace(job.output, decompress_ ? "TESSEL:io:archive:gunzip:javaOutputOpenError"
                                              : "TESSEL:io:archive:gzip:javaOutputOpenError");
+        // As gzip does: the output keeps the input's permissions and modification time, so
+        // a private file never gives a readable one.
+        struct stat input {};
+        if (::stat(job.input.c_str(), &input) == 0) {
+            file->takeAttributesOf(input);
+        }
     }
     const int descriptor = file ? file->descriptor() : STDOUT_FILENO;
+    // What the library's messages name as the output.
+    const std::u16string output = file ? text(job.output) : kStandardOutputName;
     if (decompress_) {
         core::ExtractOptions options;
         options.outputDescriptor = descriptor;
         options.progress = reporter.callback();
-        core::uncompressgzWithOptions({text(job.input)}, text(job.output), true, options);
+        core::uncompressgzWithOptions({text(job.input)}, output, true, options);
     } else {
         core::CreateOptions options;
         options.outputDescriptor = descriptor;
@@ -108,7 +120,7 @@ void GzipBatch::process(const Job& job, ProgressReporter& reporter) const {
         options.reportFinalClose = true;
         options.skipRefusedEntries = true;
         options.progress = reporter.callback();
-        core::compressgzToFile(text(job.input), text(job.output), options);
+        core::compressgzToFile(text(job.input), output, options);
     }
     if (file) {
         file->commit();
@@ -117,6 +129,9 @@ void GzipBatch::process(const Job& job, ProgressReporter& reporter) const {
 
 std::vector<std::u16string> GzipBatch::run(ProgressReporter& reporter) {
     const std::vector<Job> jobs = plan();
+    if (commandLine_.toStdout) {
+        StandardOutput::requireOpen();
+    }
     if (commandLine_.toStdout && !decompress_ && ::isatty(STDOUT_FILENO) == 1) {
         raiseError("terminalOutput", {commandLine_.command->name});
     }

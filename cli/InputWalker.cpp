@@ -99,6 +99,11 @@ void InputWalker::visit(const fs::path& diskPath, const std::string& normalPath,
         return;
     }
     struct stat info {};
+    if (nested && skipNestedLinks_ && ::lstat(diskPath.c_str(), &info) == 0 &&
+        S_ISLNK(info.st_mode)) {
+        issueWarning("linkSkipped", {diskPath.string()});
+        return;
+    }
     if (::stat(diskPath.c_str(), &info) != 0) {
         const int code = errno;
         issueWarning(code == ELOOP ? "symlinkLoop" : "brokenLink",

@@ -35,6 +35,10 @@ class InputWalker {
     // Shell patterns matched as tar's --exclude matches them: against the name relative to
     // the base (without a folder's "/") and against the last component, "*" matching "/".
     void excludePatterns(std::vector<std::string> patterns) { patterns_ = std::move(patterns); }
+    // Leave out, with a warning, every symbolic link found beneath a folder input (links
+    // named as inputs are still followed): what gzip and gunzip do, so that an output
+    // written beside its input can never land outside the folder through a link.
+    void skipLinksBeneathFolders() { skipNestedLinks_ = true; }
 
     // Adds an input named relative to base (an absolute, lexically normal folder). An
     // input outside base raises "tqarchive:inputOutsideRoot"; a missing one
@@ -61,6 +65,7 @@ class InputWalker {
     std::unordered_set<std::string> seen_;  // normal forms of the paths listed
     std::set<FileId> excluded_;
     std::vector<std::string> patterns_;
+    bool skipNestedLinks_ = false;
 };
 
 }  // namespace tqarchive

@@ -14,6 +14,7 @@
 #include "PasswordSource.hpp"
 #include "ProgressReporter.hpp"
 #include "ReplacementFile.hpp"
+#include "StandardOutput.hpp"
 
 namespace tqarchive {
 
@@ -123,8 +124,11 @@ int createArchiveFromInputs(const CommandLine& commandLine) {
         format = type.format;
         options.filter = type.filter;
     }
-    if (toStdout && ::isatty(STDOUT_FILENO) == 1) {
-        raiseError("terminalOutput", {command.name});
+    if (toStdout) {
+        StandardOutput::requireOpen();
+        if (::isatty(STDOUT_FILENO) == 1) {
+            raiseError("terminalOutput", {command.name});
+        }
     }
     std::error_code error;
     if (!toStdout && fs::is_directory(archive, error)) {

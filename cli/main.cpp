@@ -16,6 +16,7 @@
 #include "HelpText.hpp"
 #include "InterruptFlag.hpp"
 #include "ProcessLocale.hpp"
+#include "StandardOutput.hpp"
 #include "versionText.hpp"
 
 namespace {
@@ -24,6 +25,7 @@ int run(const tqarchive::CommandLine& commandLine) {
     using namespace tqarchive;
     if (commandLine.generateMan) {
         std::cout << manPage();
+        StandardOutput::finish();
         return 0;
     }
     if (commandLine.generateCompletion) {
@@ -31,14 +33,17 @@ int run(const tqarchive::CommandLine& commandLine) {
             raiseUsageError("unknownShell", {*commandLine.generateCompletion});
         }
         std::cout << bashCompletion();
+        StandardOutput::finish();
         return 0;
     }
     if (commandLine.version) {
         std::cout << versionText();
+        StandardOutput::finish();
         return 0;
     }
     if (commandLine.help) {
         std::cout << helpText(commandLine.command);
+        StandardOutput::finish();
         return 0;
     }
     if (commandLine.logFile) {
@@ -49,7 +54,9 @@ int run(const tqarchive::CommandLine& commandLine) {
             std::filesystem::absolute(*commandLine.logFile, error);
         setenv("TQARCHIVE_LOG", (error ? *commandLine.logFile : logFile.string()).c_str(), 1);
     }
-    return commandLine.command->run(commandLine);
+    const int status = commandLine.command->run(commandLine);
+    StandardOutput::finish();
+    return status;
 }
 
 // The first command named among the arguments, for the hint after a usage error.
@@ -65,6 +72,7 @@ std::string commandNamedIn(const std::vector<std::string>& arguments) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    tqarchive::StandardOutput::reserveClosedDescriptors();
     tqarchive::useUtf8Locale();
     tqarchive::InterruptFlag::install();
     const std::vector<std::string> arguments(argv + 1, argv + argc);
