@@ -13,4 +13,14 @@ ExtractOptions ExtractOptions::safe() {
     return options;
 }
 
+ExtractOptions ExtractOptions::unsafe() {
+    // What safe() keeps when the paths are trusted: safe writes and the cleanup.
+    ExtractOptions options = safe();
+    options.confine = false;
+    options.skipSpecialFiles = false;
+    options.restrictPermissions = false;
+    options.refuseOutwardLinks = false;
+    return options;
+}
+
 }  // namespace tessel::io::archive::core

@@ -66,6 +66,8 @@ struct ExtractOptions {
     // What a careful command-line tool wants: confine, skipSpecialFiles,
     // restrictPermissions, refuseOutwardLinks, safeWrites and removeCreatedOnFailure.
     TQARCHIVE_API static ExtractOptions safe();
+    // Unconfined extraction that still writes safely: safeWrites and removeCreatedOnFailure.
+    TQARCHIVE_API static ExtractOptions unsafe();
 };
 
 struct ExtractResult {
