@@ -12,10 +12,10 @@
 #include <vector>
 
 #include <archive/core/error/ArchiveException.hpp>
+#include <archive/core/error/CreateFailures.hpp>
 #include <archive/core/error/StatusChecks.hpp>
 #include <archive/core/objects/ArchiveCreator.hpp>
 #include <archive/core/objects/ArchiveFormat.hpp>
-#include <archive/core/raiseCreateFailure.hpp>
 #include <archive/core/rethrowAsHostError.hpp>
 #include <host/HostPath.hpp>
 #include <host/TextConversion.hpp>
@@ -31,6 +31,14 @@ struct EntryFreer {
     void operator()(::archive_entry* entry) const noexcept { archive_entry_free(entry); }
 };
 
+// The errors createArchiveWithOptions raises for the same tar archive.
+[[noreturn]] void raiseAsCreateArchiveWithOptions(const ArchiveException& failure,
+                                                  const std::u16string& archivePath,
+                                                  const CreateOptions& options) {
+    raiseCreateFailure(failure, CreateFailureTable::OptionCalls,
+                       {archivePath, ArchiveFormat::Tar, options});
+}
+
 }  // namespace
 
 StreamCompressor::StreamCompressor(const std::u16string& archivePath, CreateOptions options)
@@ -38,16 +46,14 @@ StreamCompressor::StreamCompressor(const std::u16string& archivePath, CreateOpti
     if (options_.filter.empty()) {
         options_.filter = u"gzip";
     }
+    // The compression of a tar stream, which holds any encryption itself.
+    options_.password.reset();
     try {
-        CreatorSetup setup;
-        setup.filter = tessel::host::toUtf8(options_.filter);
-        setup.level = options_.level;
-        setup.outputDescriptor = options_.outputDescriptor;
-        setup.rawStream = true;
         creator_ = std::make_unique<ArchiveCreator>(tessel::host::HostPath::fromText(archivePath_),
-                                                    ArchiveFormat::Tar, std::move(setup));
+                                                    ArchiveFormat::Tar, options_,
+                                                    ArchiveCreator::Content::RawStream);
     } catch (const ArchiveException& failure) {
-        raiseCreateFailure(failure, archivePath_, ArchiveFormat::Tar, options_);
+        raiseAsCreateArchiveWithOptions(failure, archivePath_, options_);
     } catch (...) {
         rethrowAsHostError();
     }
@@ -89,7 +95,7 @@ void StreamCompressor::compress(int inputDescriptor) {
         creator_->finish();
         creator_.reset();
     } catch (const ArchiveException& failure) {
-        raiseCreateFailure(failure, archivePath_, ArchiveFormat::Tar, options_);
+        raiseAsCreateArchiveWithOptions(failure, archivePath_, options_);
     } catch (...) {
         rethrowAsHostError();
     }

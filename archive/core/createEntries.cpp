@@ -16,9 +16,7 @@
 #include <archive/core/objects/CopyBuffer.hpp>
 #include <archive/core/objects/ReadDiskHandlePool.hpp>
 #include <archive/core/objects/copyFileContent.hpp>
-#include <archive/core/raiseCreateFailure.hpp>
 #include <archive/core/rethrowAsHostError.hpp>
-#include <archive/core/translateCreateArchiveFailure.hpp>
 #include <host/HostPath.hpp>
 #include <host/TextConversion.hpp>
 
@@ -52,21 +50,14 @@ void requireNames(const std::u16string& archivePath, const std::vector<std::u16s
     }
 }
 
-CreatorSetup creatorSetup(const CreateOptions& options) {
-    CreatorSetup setup;
-    setup.filter = tessel::host::toUtf8(options.filter);
-    setup.level = options.level;
-    setup.outputDescriptor = options.outputDescriptor;
-    return setup;
-}
-
 }  // namespace
 
 std::vector<std::u16string> createEntries(const std::u16string& archivePath,
                                           const std::vector<std::u16string>& files,
                                           const std::vector<std::u16string>& entryNames,
                                           const std::u16string& formatText,
-                                          const CreateOptions& options, bool withOptions) {
+                                          const CreateOptions& options,
+                                          const CreateFailurePolicy& failures) {
     const ArchiveFormat format = archiveFormatFromText(formatText);
     // Refused before the archive exists: an input without a name cannot be placed.
     if (entryNames.size() < files.size()) {
@@ -85,11 +76,8 @@ std::vector<std::u16string> createEntries(const std::u16string& archivePath,
     std::unique_ptr<ArchiveObjectReader> reader;
     try {
         buffer = std::make_unique<CopyBuffer>();
-        const CreatorSetup setup = withOptions ? creatorSetup(options) : CreatorSetup{};
-        const HostPath path = HostPath::fromText(archivePath);
-        creator = options.password ? std::make_unique<ArchiveCreator>(
-                                         path, *options.password, options.encryption, format, setup)
-                                   : std::make_unique<ArchiveCreator>(path, format, setup);
+        creator =
+            std::make_unique<ArchiveCreator>(HostPath::fromText(archivePath), format, options);
         std::uint64_t bytesDone = 0;
         std::u16string_view current;
         const auto report = [&](bool started) {
@@ -133,19 +121,15 @@ std::vector<std::u16string> createEntries(const std::u16string& archivePath,
             archive_entry_set_pathname(entry, tessel::host::toUtf8(entryName).c_str());
             // A refused header has issued its warning; the data of a non-empty file is then
             // refused too and ends the call, unless the options ask to leave the entry out.
-            const bool written =
-                withOptions
-                    ? creator->writeEntryHeader(
-                          entry, ArchiveCreator::HeaderWarnings::RefusalsOnly) >= ARCHIVE_WARN
-                    : creator->writeHeader(entry);
-            if (!written && options.skipRefusedEntries) {
+            if (!creator->writeHeader(entry, failures.headerWarnings) &&
+                options.skipRefusedEntries) {
                 continue;
             }
             copyFileContent(*buffer, *creator, entry, kChunkSize, afterChunk);
             creator->addEntryName(entry);
         }
         std::vector<std::u16string> written = creator->getEntryNames();
-        if (withOptions && options.reportFinalClose) {
+        if (options.reportFinalClose) {
             creator->finish();
         }
         // Destroying the creator writes the trailer or central directory and closes the
@@ -153,11 +137,7 @@ std::vector<std::u16string> createEntries(const std::u16string& archivePath,
         creator.reset();
         return written;
     } catch (const ArchiveException& failure) {
-        if (withOptions) {
-            raiseCreateFailure(failure, archivePath, format, options);
-        }
-        translateCreateArchiveFailure(failure, archivePath, format);
-        rethrowAsHostError();
+        raiseCreateFailure(failure, failures.table, {archivePath, format, options});
     } catch (...) {
         rethrowAsHostError();
     }

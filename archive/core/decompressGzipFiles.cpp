@@ -10,7 +10,6 @@
 #include <archive/core/archivecore.hpp>
 #include <archive/core/error/ArchiveException.hpp>
 #include <archive/core/error/StatusChecks.hpp>
-#include <archive/core/error/messages/extractArchive.hpp>
 #include <archive/core/error/messages/gunzip.hpp>
 #include <archive/core/objects/ArchiveDiskReader.hpp>
 #include <archive/core/objects/ArchiveDiskWriter.hpp>
@@ -115,8 +114,7 @@ void copyToDescriptor(DataBlock& block, ArchiveDiskReader& reader, ::archive_ent
 std::vector<std::u16string> decompressGzipFiles(const std::vector<std::u16string>& files,
                                                 const std::u16string& outputFolder,
                                                 bool exactOutputPath, const ExtractOptions& options,
-                                                bool withOptions) {
-    namespace messages = TESSEL::io::archive;
+                                                GunzipFailureTable failures) {
     const bool besideInputs = outputFolder.empty();
     // rw-r--r--: what an empty stream's output gets, as libarchive has no entry to copy from.
     constexpr int kEmptyOutputMode = 0644;
@@ -143,14 +141,10 @@ std::vector<std::u16string> decompressGzipFiles(const std::vector<std::u16string
         }
         for (const std::u16string& file : files) {
             inputPath = HostPath::fromText(file);
-            ReaderSetup setup;
-            setup.trackDataCrc = true;
-            if (&file == &files.front()) {
-                setup.inputDescriptor = options.inputDescriptor;
-            }
             // The next reader exists before the previous one goes.
-            auto next = std::make_unique<ArchiveDiskReader>(inputPath, ArchiveFormat::Gz, u"",
-                                                            std::move(setup));
+            auto next =
+                std::make_unique<ArchiveDiskReader>(inputPath, ArchiveFormat::Gz, options,
+                                                    ReadPurpose::gunzip(&file == &files.front()));
             reader = std::move(next);
             if (!exactOutputPath) {
                 outputName = gunzipOutputName(inputPath.native());
@@ -191,31 +185,10 @@ std::vector<std::u16string> decompressGzipFiles(const std::vector<std::u16string
         reader.reset();
         return written;
     } catch (const ArchiveException& failure) {
-        if (withOptions && options.removeCreatedOnFailure && outputIsNew && writer) {
+        if (options.removeCreatedOnFailure && outputIsNew && writer) {
             writer->deleteCurrentEntryFile();
         }
-        switch (failure.rule) {
-            case NullArchiveRule::CouldNotOpenFile:
-                messages::gunzip::javaOpenError(inputPath.native()).raise();
-            case NullArchiveRule::PermissionDenied:
-            case NullArchiveRule::UnableToOverwrite:
-                messages::gunzip::javaOutputOpenError(failure.message).raise();
-            case NullArchiveRule::CorruptGzFile:
-                messages::gunzip::javaCopyStreamError(outputName).raise();
-            case NullArchiveRule::NotGzipFormat:
-                messages::gunzip::notGzipFormat(inputPath.native()).raise();
-            case NullArchiveRule::OverwriteOpenFile:
-                messages::extractArchive::OverwriteOpenFile(failure.message).raise();
-            case NullArchiveRule::DiskSpaceFull:
-                messages::extractArchive::outputDiskFull().raise();
-            case NullArchiveRule::Cancelled:
-                if (withOptions) {
-                    messages::extractArchive::cancelled().raise();
-                }
-                rethrowAsHostError();
-            default:
-                rethrowAsHostError();
-        }
+        raiseGunzipFailure(failure, failures, {inputPath.native(), outputName});
     } catch (...) {
         rethrowAsHostError();
     }

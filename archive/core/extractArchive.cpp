@@ -10,6 +10,9 @@ namespace tessel::io::archive::core {
 
 namespace {
 
+constexpr ExtractFailurePolicy kAsExtractArchive{ExtractFailureTable::ExtractArchive,
+                                                 ExtractCleanup::CurrentEntryFile};
+
 ExtractOptions withPassword(const std::u16string& password) {
     ExtractOptions options;
     options.password = password;
@@ -24,7 +27,7 @@ std::vector<std::u16string> extractArchive(const std::u16string& archivePath,
                                            const std::u16string& password) {
     AllEntries selection;
     return extractEntries(archivePath, outputFolder, format, withPassword(password), selection,
-                          ExtractionFailures::AsExtractArchive);
+                          kAsExtractArchive);
 }
 
 std::vector<std::u16string> extractArchive(const std::u16string& archivePath,
@@ -34,7 +37,7 @@ std::vector<std::u16string> extractArchive(const std::u16string& archivePath,
                                            const std::u16string& password) {
     NamedEntrySelection selection(entryNames);
     return extractEntries(archivePath, outputFolder, format, withPassword(password), selection,
-                          ExtractionFailures::AsExtractArchive);
+                          kAsExtractArchive);
 }
 
 }  // namespace tessel::io::archive::core

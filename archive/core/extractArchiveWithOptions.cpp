@@ -13,8 +13,10 @@ ExtractResult extractArchiveWithOptions(const std::u16string& archivePath,
                                         const ExtractOptions& options) {
     PatternEntrySelection selection(options.select);
     ExtractResult result;
-    result.written = extractEntries(archivePath, outputFolder, format, options, selection,
-                                    ExtractionFailures::AsOptionsSay);
+    constexpr ExtractFailurePolicy kAsOptionCalls{ExtractFailureTable::OptionCalls,
+                                                  ExtractCleanup::AsOptionsSay};
+    result.written =
+        extractEntries(archivePath, outputFolder, format, options, selection, kAsOptionCalls);
     for (const std::u16string& pattern : selection.unmatched()) {
         result.notFound.push_back(
             TESSEL::io::archive::extractArchive::entryNotFound(pattern, archivePath));

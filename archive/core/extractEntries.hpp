@@ -5,19 +5,30 @@
 
 #include <archive/core/EntrySelection.hpp>
 #include <archive/core/ExtractOptions.hpp>
+#include <archive/core/error/ExtractFailures.hpp>
 
 namespace tessel::io::archive::core {
 
-// How a failure leaves an extraction.
-enum class ExtractionFailures {
-    // As extractArchive: the entry in progress is removed and the failure translated by
-    // extractArchive's table.
-    AsExtractArchive,
-    // As the additions: the options' cleanup, then their own translation.
+// What a failed extraction takes back before its error is raised.
+enum class ExtractCleanup {
+    // After a failure of the archive objects, the file of the entry the writer is on goes,
+    // even when that entry was complete; a failure to close it or an empty entry name
+    // keeps it.
+    CurrentEntryFile,
+    // After any failure the entry in progress is given up (a replacement's temporary
+    // removed, the file it was replacing left whole) and, with
+    // ExtractOptions::removeCreatedOnFailure, everything the call created goes.
     AsOptionsSay,
 };
 
-// The one entry loop of extraction, shared by extractArchive (both forms) and
+// What an extraction does about a failure: whose identifiers it raises, and what it
+// takes back first.
+struct ExtractFailurePolicy {
+    ExtractFailureTable table;
+    ExtractCleanup cleanup;
+};
+
+// The one entry loop of extraction, behind extractArchive (both forms) and
 // extractArchiveWithOptions: each selected entry is placed under the output folder,
 // reviewed by the safe modes the options ask for, written, and its data copied. Returns
 // the paths written.
@@ -25,6 +36,6 @@ std::vector<std::u16string> extractEntries(const std::u16string& archivePath,
                                            const std::u16string& outputFolder,
                                            const std::u16string& format,
                                            const ExtractOptions& options, EntrySelection& selection,
-                                           ExtractionFailures failures);
+                                           const ExtractFailurePolicy& failures);
 
 }  // namespace tessel::io::archive::core

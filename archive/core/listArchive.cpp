@@ -2,12 +2,12 @@
 
 #include <archive/core/archivecore.hpp>
 #include <archive/core/error/ArchiveException.hpp>
+#include <archive/core/error/ExtractFailures.hpp>
 #include <archive/core/error/StatusChecks.hpp>
 #include <archive/core/objects/ArchiveDiskReader.hpp>
 #include <archive/core/objects/ArchiveFormat.hpp>
 #include <archive/core/objects/DataBlock.hpp>
 #include <archive/core/openArchiveReader.hpp>
-#include <archive/core/raiseExtractionError.hpp>
 #include <archive/core/readEntryInfo.hpp>
 #include <archive/core/rethrowAsHostError.hpp>
 #include <host/HostPath.hpp>
@@ -21,15 +21,15 @@ namespace tessel::io::archive::core {
 void listArchive(const std::u16string& archivePath, const std::u16string& formatText,
                  const ExtractOptions& options, const EntryVisitor& visit) {
     const ArchiveFormat format = archiveFormatFromText(formatText);
-    ExtractionFailureContext context;
+    std::u16string currentEntry;
     try {
         const std::unique_ptr<ArchiveDiskReader> opened =
-            openArchiveReader(archivePath, format, options, ReaderSetup{});
+            openArchiveReader(archivePath, format, options, ReadPurpose::listing());
         ArchiveDiskReader& reader = *opened;
         ::archive_entry* entry = nullptr;
         while (reader.readNextHeader(&entry) == 1) {
             EntryInfo info = readEntryInfo(entry);
-            context.entry = info.name;
+            currentEntry = info.name;
             const bool zip =
                 (archive_format(reader.handle()) & ARCHIVE_FORMAT_BASE_MASK) == ARCHIVE_FORMAT_ZIP;
             // An entry that cannot be decrypted is listed without its compressed size.
@@ -59,7 +59,8 @@ void listArchive(const std::u16string& archivePath, const std::u16string& format
             visit(info);
         }
     } catch (const ArchiveException& failure) {
-        raiseExtractionError(failure, archivePath, format, context);
+        raiseExtractFailure(failure, ExtractFailureTable::OptionCalls,
+                            {archivePath, format, currentEntry});
     } catch (...) {
         rethrowAsHostError();
     }

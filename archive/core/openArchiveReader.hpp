@@ -11,10 +11,10 @@ namespace tessel::io::archive::core {
 
 // The reader of a call that reads with options (extraction, listing, testing): the
 // archive path is checked before anything is opened, or the options' descriptor is read
-// instead; setup says what else the reader does.
+// instead; the purpose says which checks the reader makes.
 std::unique_ptr<ArchiveDiskReader> openArchiveReader(const std::u16string& archivePath,
                                                      ArchiveFormat format,
                                                      const ExtractOptions& options,
-                                                     ReaderSetup setup);
+                                                     ReadPurpose purpose);
 
 }  // namespace tessel::io::archive::core

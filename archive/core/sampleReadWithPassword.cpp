@@ -3,12 +3,12 @@
 
 #include <archive/core/archivecore.hpp>
 #include <archive/core/error/ArchiveException.hpp>
+#include <archive/core/error/ExtractFailures.hpp>
 #include <archive/core/objects/ArchiveDiskReader.hpp>
 #include <archive/core/objects/ArchiveDiskWriter.hpp>
 #include <archive/core/objects/ArchiveFormat.hpp>
 #include <archive/core/objects/DataBlock.hpp>
 #include <archive/core/rethrowAsHostError.hpp>
-#include <archive/core/translateExtractFailure.hpp>
 #include <host/HostPath.hpp>
 
 namespace tessel::io::archive::core {
@@ -17,8 +17,14 @@ void sampleReadWithPassword(const std::u16string& archivePath, const std::u16str
                             const std::u16string& format, const std::u16string& password) {
     const ArchiveFormat archiveFormat = archiveFormatFromText(format);
     try {
+        ExtractOptions options;
+        options.password = password;
+        // A gzip-compressed archive is checked as extraction checks it; a single gzip file
+        // is not, as only its first block is read.
+        ReadPurpose purpose;
+        purpose.checkCompressedStream = archiveFormat != ArchiveFormat::Gz;
         auto reader = std::make_unique<ArchiveDiskReader>(
-            tessel::host::HostPath::fromText(archivePath), archiveFormat, password);
+            tessel::host::HostPath::fromText(archivePath), archiveFormat, options, purpose);
         auto writer =
             std::make_unique<ArchiveDiskWriter>(tessel::host::HostPath::fromText(outputFolder));
         DataBlock block;
@@ -29,9 +35,9 @@ void sampleReadWithPassword(const std::u16string& archivePath, const std::u16str
             reader->probeDataBlock(block, entry);
         }
     } catch (const ArchiveException& failure) {
-        // Nothing was written, so there is no writer whose file would need removing.
-        translateExtractFailure(failure, archivePath, nullptr, archiveFormat);
-        rethrowAsHostError();
+        // Nothing was written, so there is no file to remove.
+        raiseExtractFailure(failure, ExtractFailureTable::ExtractArchive,
+                            {archivePath, archiveFormat, std::u16string()});
     } catch (...) {
         rethrowAsHostError();
     }

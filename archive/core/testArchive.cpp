@@ -3,14 +3,13 @@
 
 #include <archive/core/archivecore.hpp>
 #include <archive/core/error/ArchiveException.hpp>
+#include <archive/core/error/ExtractFailures.hpp>
 #include <archive/core/error/StatusChecks.hpp>
-#include <archive/core/error/messages/gunzip.hpp>
 #include <archive/core/error/messages/testArchive.hpp>
 #include <archive/core/objects/ArchiveDiskReader.hpp>
 #include <archive/core/objects/ArchiveFormat.hpp>
 #include <archive/core/objects/DataBlock.hpp>
 #include <archive/core/openArchiveReader.hpp>
-#include <archive/core/raiseExtractionError.hpp>
 #include <archive/core/readEntryInfo.hpp>
 #include <archive/core/rethrowAsHostError.hpp>
 #include <host/HostPath.hpp>
@@ -51,24 +50,17 @@ TestReport testArchive(const std::u16string& archivePath, const std::u16string& 
                        const ExtractOptions& options, const EntryVisitor& visit) {
     const ArchiveFormat format = archiveFormatFromText(formatText);
     TestReport report;
-    ExtractionFailureContext context;
+    std::u16string currentEntry;
     try {
-        ReaderSetup setup;
-        if (format == ArchiveFormat::Gz) {
-            setup.trackDataCrc = true;
-        } else {
-            setup.gzipCheck =
-                options.gzipCheck ? options.gzipCheck : StreamCheckFactory(makeGzipStreamCheck);
-        }
         const std::unique_ptr<ArchiveDiskReader> opened =
-            openArchiveReader(archivePath, format, options, std::move(setup));
+            openArchiveReader(archivePath, format, options, ReadPurpose::testing(format));
         ArchiveDiskReader& reader = *opened;
         DataBlock block;
         std::function<bool()> afterBlock;
         if (options.progress) {
             afterBlock = [&] {
                 return options.progress(
-                    Progress{reader.bytesRead(), reader.totalBytes(), context.entry, false});
+                    Progress{reader.bytesRead(), reader.totalBytes(), currentEntry, false});
             };
         }
         ::archive_entry* entry = nullptr;
@@ -90,10 +82,10 @@ TestReport testArchive(const std::u16string& archivePath, const std::u16string& 
                 break;
             }
             const EntryInfo info = readEntryInfo(entry);
-            context.entry = info.name;
+            currentEntry = info.name;
             if (options.progress &&
                 !options.progress(
-                    Progress{reader.bytesRead(), reader.totalBytes(), context.entry, true})) {
+                    Progress{reader.bytesRead(), reader.totalBytes(), currentEntry, true})) {
                 throwInternalError(NullArchiveRule::Cancelled);
             }
             if (visit) {
@@ -126,22 +118,14 @@ TestReport testArchive(const std::u16string& archivePath, const std::u16string& 
         }
         return report;
     } catch (const ArchiveException& failure) {
-        if (format == ArchiveFormat::Gz) {
-            namespace gunzip = TESSEL::io::archive::gunzip;
-            switch (failure.rule) {
-                case NullArchiveRule::CorruptGzFile:
-                    report.damage.push_back(
-                        messages::damagedStream(archivePath, std::string("truncated gzip input")));
-                    return report;
-                case NullArchiveRule::NotGzipFormat:
-                    gunzip::notGzipFormat(archivePath).raise();
-                case NullArchiveRule::CouldNotOpenFile:
-                    gunzip::javaOpenError(archivePath).raise();
-                default:
-                    break;
-            }
+        // A gzip file cut short is damage found, not a failure of the call.
+        if (format == ArchiveFormat::Gz && failure.rule == NullArchiveRule::CorruptGzFile) {
+            report.damage.push_back(
+                messages::damagedStream(archivePath, std::string("truncated gzip input")));
+            return report;
         }
-        raiseExtractionError(failure, archivePath, format, context);
+        raiseExtractFailure(failure, ExtractFailureTable::Testing,
+                            {archivePath, format, currentEntry});
     } catch (...) {
         rethrowAsHostError();
     }

@@ -5,7 +5,8 @@ namespace tessel::io::archive::core {
 
 std::vector<std::u16string> uncompressgz(const std::vector<std::u16string>& files,
                                          const std::u16string& outputFolder, bool exactOutputPath) {
-    return decompressGzipFiles(files, outputFolder, exactOutputPath, ExtractOptions(), false);
+    return decompressGzipFiles(files, outputFolder, exactOutputPath, ExtractOptions(),
+                               GunzipFailureTable::Uncompressgz);
 }
 
 }  // namespace tessel::io::archive::core

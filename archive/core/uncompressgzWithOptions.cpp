@@ -7,7 +7,8 @@ std::vector<std::u16string> uncompressgzWithOptions(const std::vector<std::u16st
                                                     const std::u16string& outputFolder,
                                                     bool exactOutputPath,
                                                     const ExtractOptions& options) {
-    return decompressGzipFiles(files, outputFolder, exactOutputPath, options, true);
+    return decompressGzipFiles(files, outputFolder, exactOutputPath, options,
+                               GunzipFailureTable::OptionCalls);
 }
 
 }  // namespace tessel::io::archive::core

@@ -23,7 +23,7 @@ constexpr std::string_view kOpenEntryError =
 // clang-format off
 constexpr Entry kCatalogue[] = {
 #include "catalogue/library.inc"
-#include "catalogue/additions.inc"
+#include "catalogue/options.inc"
 #include "catalogue/host.inc"
 #include "catalogue/cli.inc"
 };

@@ -32,8 +32,8 @@ enum class NullArchiveRule : std::int32_t {
     EmptyPassphrase = 23,
     EncryptionNotSupported = 24,
     CryptoUnsupported = 25,
-    // Raised only by the additions (confinement, safe modes, cancellation); like the
-    // other values without a text of their own, they read as the unknown-error text.
+    // Raised only by the calls with options (confinement, safe modes, cancellation); like
+    // the other values without a text of their own, they read as the unknown-error text.
     EntryOutsideFolder = 26,
     EntryThroughSymlink = 27,
     LinkOutsideFolder = 28,

@@ -50,32 +50,27 @@ void ArchiveCreator::WriteHandleCloser::operator()(::archive* handle) const noex
 }
 
 ArchiveCreator::ArchiveCreator(HostPath archivePath, ArchiveFormat format)
-    : ArchiveCreator(std::move(archivePath), format, CreatorSetup{}) {}
+    : ArchiveCreator(std::move(archivePath), format, CreateOptions()) {}
 
-ArchiveCreator::ArchiveCreator(HostPath archivePath, ArchiveFormat format, CreatorSetup setup)
+ArchiveCreator::ArchiveCreator(HostPath archivePath, ArchiveFormat format,
+                               const CreateOptions& options, Content content)
     : handle_(newWriteHandle()),
       archivePath_(absoluteArchivePath(std::move(archivePath))),
       format_(format),
-      setup_(std::move(setup)) {
+      filter_(tessel::host::toUtf8(options.filter)),
+      level_(options.level),
+      outputDescriptor_(options.outputDescriptor),
+      content_(content) {
     setFormat(format_);
-    applySetup();
+    setCompression();
+    if (options.password) {
+        setEncryption(*options.password, options.encryption);
+    }
     openArchiveFile();
 }
 
-ArchiveCreator::ArchiveCreator(HostPath archivePath, const std::u16string& password,
-                               const std::u16string& encryptionMethod, ArchiveFormat format)
-    : ArchiveCreator(std::move(archivePath), password, encryptionMethod, format, CreatorSetup{}) {}
-
-ArchiveCreator::ArchiveCreator(HostPath archivePath, const std::u16string& password,
-                               const std::u16string& encryptionMethod, ArchiveFormat format,
-                               CreatorSetup setup)
-    : handle_(newWriteHandle()),
-      archivePath_(absoluteArchivePath(std::move(archivePath))),
-      format_(format),
-      setup_(std::move(setup)) {
-    setFormat(format_);
-    applySetup();
-
+void ArchiveCreator::setEncryption(const std::u16string& password,
+                                   const std::u16string& encryptionMethod) {
     const std::string passphrase = tessel::host::toNarrow(password);
     if (archive_write_set_passphrase(handle_.get(), passphrase.c_str()) != ARCHIVE_OK &&
         libarchiveErrorString(handle_.get(), 1) == kEmptyPassphrase) {
@@ -99,15 +94,13 @@ ArchiveCreator::ArchiveCreator(HostPath archivePath, const std::u16string& passw
     }
     ARCHIVE_LOG(LogStep) << "Encryption method used to create a password-protected archive-->"
                          << method;
-
-    openArchiveFile();
 }
 
 ArchiveCreator::~ArchiveCreator() = default;
 
 void ArchiveCreator::setFormat(ArchiveFormat format) {
     ::archive* handle = handle_.get();
-    if (setup_.rawStream) {
+    if (content_ == Content::RawStream) {
         if (archive_write_set_format_raw(handle) != ARCHIVE_OK) {
             throwArchiveError(NullArchiveRule::UnableToSetFormat, handle);
         }
@@ -150,16 +143,16 @@ void ArchiveCreator::setFormat(ArchiveFormat format) {
     }
 }
 
-void ArchiveCreator::applySetup() {
+void ArchiveCreator::setCompression() {
     ::archive* handle = handle_.get();
-    if (!setup_.filter.empty() &&
-        archive_write_add_filter_by_name(handle, setup_.filter.c_str()) != ARCHIVE_OK) {
+    if (!filter_.empty() &&
+        archive_write_add_filter_by_name(handle, filter_.c_str()) != ARCHIVE_OK) {
         throwArchiveError(NullArchiveRule::UnableToSetFilter, handle);
     }
-    if (setup_.level < 0) {
+    if (level_ < 0) {
         return;
     }
-    const std::string level = std::to_string(setup_.level);
+    const std::string level = std::to_string(level_);
     const bool zip = (archive_format(handle) & ARCHIVE_FORMAT_BASE_MASK) == ARCHIVE_FORMAT_ZIP;
     // Zip compresses entry by entry; every other format leaves it to its filter.
     const int status =
@@ -171,14 +164,14 @@ void ArchiveCreator::applySetup() {
 }
 
 void ArchiveCreator::openArchiveFile() {
-    if (setup_.outputDescriptor >= 0) {
+    if (outputDescriptor_ >= 0) {
         // libarchive pads the last block of a pipe or terminal to the block size; the
         // zeros would follow the stream (a gzip member, say) that is all the caller wants.
         archive_write_set_bytes_in_last_block(handle_.get(), 1);
     }
     const int status =
-        setup_.outputDescriptor >= 0
-            ? archive_write_open_fd(handle_.get(), setup_.outputDescriptor)
+        outputDescriptor_ >= 0
+            ? archive_write_open_fd(handle_.get(), outputDescriptor_)
             : archive_write_open_filename(handle_.get(), archivePath_.access().c_str());
     if (status != ARCHIVE_OK) {
         throwArchiveError(archive_errno(handle_.get()) == EACCES
@@ -190,11 +183,7 @@ void ArchiveCreator::openArchiveFile() {
                          << archivePath_;
 }
 
-bool ArchiveCreator::writeHeader(::archive_entry* entry) {
-    return writeEntryHeader(entry, HeaderWarnings::Issued) == ARCHIVE_OK;
-}
-
-int ArchiveCreator::writeEntryHeader(::archive_entry* entry, HeaderWarnings warnings) {
+bool ArchiveCreator::writeHeader(::archive_entry* entry, HeaderWarnings warnings) {
     const char* pathname = archive_entry_pathname(entry);
     const HostPath name = (pathname == nullptr || *pathname == '\0')
                               ? HostPath()
@@ -208,7 +197,7 @@ int ArchiveCreator::writeEntryHeader(::archive_entry* entry, HeaderWarnings warn
                           "Pathname is too long for zip (%zu bytes, at most %zu)",
                           std::strlen(pathname), kZipNameLimit);
         warnArchiveError(NullArchiveRule::InvalidEntryHeader, handle_.get(), name);
-        return ARCHIVE_FAILED;
+        return false;
     }
     const int status = writeHeaderAsStored(entry, pathname);
     // Warnings count as refusals too: the entry may be stored other than asked. Where the
@@ -216,13 +205,13 @@ int ArchiveCreator::writeEntryHeader(::archive_entry* entry, HeaderWarnings warn
     // translate and stored as its bytes) is logged and no more.
     if (status != ARCHIVE_OK && (status < ARCHIVE_WARN || warnings == HeaderWarnings::Issued)) {
         warnArchiveError(NullArchiveRule::InvalidEntryHeader, handle_.get(), name);
-        return status;
+        return false;
     }
     if (status != ARCHIVE_OK) {
         logArchiveWarning(handle_.get());
     }
     ARCHIVE_LOG(LogStep) << "Wrote entry to destination archive-->" << name;
-    return status;
+    return true;
 }
 
 int ArchiveCreator::writeHeaderAsStored(::archive_entry* entry, const char* pathname) {

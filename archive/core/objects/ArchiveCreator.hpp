@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include <archive/core/CreateOptions.hpp>
 #include <archive/core/objects/ArchiveFormat.hpp>
 #include <host/HostPath.hpp>
 
@@ -13,36 +14,27 @@ struct archive_entry;
 
 namespace tessel::io::archive::core {
 
-// What a creator does beyond its format.
-struct CreatorSetup {
-    // A libarchive compression filter added to a tar format ("xz", "zstd", ...); empty: none.
-    std::string filter;
-    // The compression level of zip or of the filter; -1: libarchive's default.
-    int level = -1;
-    // Write to this descriptor (left open) instead of opening the archive path.
-    int outputDescriptor = -1;
-    // Write one entry's bytes as they are, under the filter alone (libarchive's raw
-    // format), whatever the format says; the format still chooses the errors' family.
-    bool rawStream = false;
-};
-
 // Owns one libarchive write handle opened on a new archive file: chooses format and
 // filter, optionally a passphrase and the zip encryption method, writes entry headers
 // and data, and keeps the names of the entries written. Destroying it finishes the
 // archive (trailer or central directory) and closes the file.
 class ArchiveCreator {
   public:
+    // What the creator writes: entries in its format, or one entry's bytes as they are
+    // under the filter alone (libarchive's raw format), the format then only choosing the
+    // errors' family.
+    enum class Content { Entries, RawStream };
+
     // Failures throw ArchiveException: UnableToSetFormat, UnableToSetFilter, AccessDenied,
     // CouldNotOpenArchiveForWriting.
     ArchiveCreator(tessel::host::HostPath archivePath, ArchiveFormat format);
-    ArchiveCreator(tessel::host::HostPath archivePath, ArchiveFormat format, CreatorSetup setup);
-    // Also EmptyPassphrase, EncryptionNotSupported, CryptoUnsupported and
-    // CouldNotSetWriteOptions (the zip option is refused by every other format).
-    ArchiveCreator(tessel::host::HostPath archivePath, const std::u16string& password,
-                   const std::u16string& encryptionMethod, ArchiveFormat format);
-    ArchiveCreator(tessel::host::HostPath archivePath, const std::u16string& password,
-                   const std::u16string& encryptionMethod, ArchiveFormat format,
-                   CreatorSetup setup);
+    // As the options say: their filter (added to the format's), level and output
+    // descriptor, and with a password its encryption, which adds EmptyPassphrase,
+    // EncryptionNotSupported, CryptoUnsupported and CouldNotSetWriteOptions (the zip
+    // option is refused by every other format); InvalidCompressionLevel for a level the
+    // format or filter refuses.
+    ArchiveCreator(tessel::host::HostPath archivePath, ArchiveFormat format,
+                   const CreateOptions& options, Content content = Content::Entries);
     ~ArchiveCreator();
 
     ArchiveCreator(const ArchiveCreator&) = delete;
@@ -50,15 +42,16 @@ class ArchiveCreator {
     ArchiveCreator(ArchiveCreator&&) = delete;
     ArchiveCreator& operator=(ArchiveCreator&&) = delete;
 
-    // A refused header is a warning (openEntryError), never an exception.
-    bool writeHeader(::archive_entry* entry);
     // Which header warnings reach the caller's user.
     enum class HeaderWarnings {
-        Issued,        // every status but OK: writeHeader
-        RefusalsOnly,  // a header written with a warning is only logged
+        Issued,        // every status but OK, and a header written with a warning counts
+                       // as refused
+        RefusalsOnly,  // a header written with a warning is only logged, and counts as
+                       // written
     };
-    // libarchive's status: ARCHIVE_OK or ARCHIVE_WARN when the header was written.
-    int writeEntryHeader(::archive_entry* entry, HeaderWarnings warnings);
+    // Whether the header was written; a refused header is a warning (openEntryError),
+    // never an exception.
+    bool writeHeader(::archive_entry* entry, HeaderWarnings warnings = HeaderWarnings::Issued);
     // Throws DiskSpaceFull (errno 28 with "Write error") or CouldNotWriteFile.
     void writeData(const void* bytes, std::size_t count);
     void addEntryName(::archive_entry* entry);
@@ -80,14 +73,18 @@ class ArchiveCreator {
 
     int writeHeaderAsStored(::archive_entry* entry, const char* pathname);
     void setFormat(ArchiveFormat format);
-    void applySetup();
+    void setCompression();
+    void setEncryption(const std::u16string& password, const std::u16string& encryptionMethod);
     void openArchiveFile();
 
     std::unique_ptr<::archive, WriteHandleCloser> handle_;
     tessel::host::HostPath archivePath_;
     std::vector<std::u16string> entryNames_;
     ArchiveFormat format_;
-    CreatorSetup setup_;
+    std::string filter_;  // added to the format's; empty: none
+    int level_;           // -1: libarchive's default
+    int outputDescriptor_;
+    Content content_;
 };
 
 }  // namespace tessel::io::archive::core

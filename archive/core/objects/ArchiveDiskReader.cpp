@@ -28,14 +28,6 @@ constexpr const char* kTruncatedGzip = "truncated gzip input";
 
 namespace {
 
-ReaderSetup defaultSetup(ArchiveFormat format) {
-    ReaderSetup setup;
-    if (format != ArchiveFormat::Gz) {
-        setup.gzipCheck = makeGzipStreamCheck;
-    }
-    return setup;
-}
-
 bool isZip(::archive* handle) {
     return (archive_format(handle) & ARCHIVE_FORMAT_BASE_MASK) == ARCHIVE_FORMAT_ZIP;
 }
@@ -43,27 +35,33 @@ bool isZip(::archive* handle) {
 }  // namespace
 
 ArchiveDiskReader::ArchiveDiskReader(tessel::host::HostPath archivePath, ArchiveFormat format,
-                                     const std::u16string& password)
-    : ArchiveDiskReader(std::move(archivePath), format, password, defaultSetup(format)) {}
-
-ArchiveDiskReader::ArchiveDiskReader(tessel::host::HostPath archivePath, ArchiveFormat format,
-                                     const std::u16string& password, ReaderSetup setup)
-    : handle_(archive_read_new()), archivePath_(std::move(archivePath)), setup_(std::move(setup)) {
+                                     const ExtractOptions& options, ReadPurpose purpose)
+    : handle_(archive_read_new()),
+      archivePath_(std::move(archivePath)),
+      trackDataCrc_(purpose.trackDataCrc) {
     if (!handle_) {
         throw std::bad_alloc();
     }
+    if (purpose.askUpstreamVerdict) {
+        upstreamVerdict_ = options.upstreamVerdict;
+    }
+    const int inputDescriptor = purpose.readInputDescriptor ? options.inputDescriptor : -1;
     enableFormats(format);
     // Read from a descriptor, the name only names the archive, and stays as given.
-    if (setup_.inputDescriptor < 0 && !archivePath_.isAbsolute()) {
+    if (inputDescriptor < 0 && !archivePath_.isAbsolute()) {
         archivePath_ = archivePath_.absolute(tessel::host::HostPath());
     }
-    if (!password.empty()) {
+    if (purpose.offerPassword && !options.password.empty()) {
         // A refused passphrase is not fatal here: a wrong or missing one shows when
         // encrypted data is read.
-        archive_read_add_passphrase(handle_.get(), tessel::host::toUtf8(password).c_str());
+        archive_read_add_passphrase(handle_.get(), tessel::host::toUtf8(options.password).c_str());
         ARCHIVE_LOG(LogStep) << "Password registered for reading a password-protected archive.";
     }
-    openFile(format);
+    StreamCheckFactory check;
+    if (purpose.checkCompressedStream) {
+        check = options.gzipCheck ? options.gzipCheck : StreamCheckFactory(makeGzipStreamCheck);
+    }
+    openFile(format, inputDescriptor, check);
 }
 
 ArchiveDiskReader::~ArchiveDiskReader() {
@@ -110,11 +108,12 @@ void ArchiveDiskReader::enableFormats(ArchiveFormat format) {
     }
 }
 
-void ArchiveDiskReader::openFile(ArchiveFormat format) {
+void ArchiveDiskReader::openFile(ArchiveFormat format, int inputDescriptor,
+                                 const StreamCheckFactory& check) {
     ::archive* handle = handle_.get();
-    source_ = std::make_unique<ArchiveFileSource>(archivePath_.access(), setup_.inputDescriptor);
-    if (setup_.gzipCheck) {
-        source_->setCheck(setup_.gzipCheck());
+    source_ = std::make_unique<ArchiveFileSource>(archivePath_.access(), inputDescriptor);
+    if (check) {
+        source_->setCheck(check());
     }
     const int status = source_->open(handle);
     // Only a stream libarchive decodes as gzip has trailers to check.
@@ -174,7 +173,7 @@ std::int32_t ArchiveDiskReader::readDataBlock(const void** buffer, std::size_t* 
     ::archive* handle = handle_.get();
     const int status = archive_read_data_block(handle, buffer, size, offset);
     if (status >= ARCHIVE_OK) {
-        if (setup_.trackDataCrc && status == ARCHIVE_OK && *size > 0) {
+        if (trackDataCrc_ && status == ARCHIVE_OK && *size > 0) {
             dataCrc_ = static_cast<std::uint32_t>(
                 crc32_z(dataCrc_, static_cast<const Bytef*>(*buffer), *size));
             dataLength_ += *size;
@@ -208,9 +207,9 @@ void ArchiveDiskReader::readLegacyZipName(::archive_entry* entry) {
 
 void ArchiveDiskReader::judgeCompressedStream() {
     std::optional<std::string> damage = source_->finishCheck();
-    if (!damage && setup_.upstreamVerdict) {
+    if (!damage && upstreamVerdict_) {
         source_->drain();  // whoever fills the input has finished once it ends
-        damage = setup_.upstreamVerdict();
+        damage = upstreamVerdict_();
     }
     if (damage) {
         ARCHIVE_LOG(LogFailure) << "[INTERNAL_MESSAGE]: gzip trailer check: " << *damage;

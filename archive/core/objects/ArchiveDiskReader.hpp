@@ -11,6 +11,7 @@
 #include <archive_entry.h>
 
 #include <archive/core/CompressedStreamCheck.hpp>
+#include <archive/core/ExtractOptions.hpp>
 #include <archive/core/objects/ArchiveFileSource.hpp>
 #include <archive/core/objects/ArchiveFormat.hpp>
 #include <archive/core/objects/DataBlock.hpp>
@@ -18,18 +19,35 @@
 
 namespace tessel::io::archive::core {
 
-// How a reader reads beyond what its format asks for.
-struct ReaderSetup {
-    // Read this descriptor (left open) instead of opening the archive path.
-    int inputDescriptor = -1;
-    // Checks a gzip-compressed stream against its trailers as it is read; judged when the
-    // end of the archive is reached. Empty: no check.
-    StreamCheckFactory gzipCheck;
+// What an operation reads an archive for, beyond what the caller's options say.
+struct ReadPurpose {
+    // Check a gzip-compressed archive against its trailers as it is read (the options'
+    // gzipCheck, else makeGzipStreamCheck); judged when the end of the archive is reached.
+    bool checkCompressedStream = false;
+    // Ask the options' upstreamVerdict at the end of the archive, once the input is read
+    // to its end.
+    bool askUpstreamVerdict = false;
     // Keep the CRC-32 and length of each entry's data as read.
     bool trackDataCrc = false;
-    // Asked at the end of the archive, once the input is read to its end: damage found
-    // by whoever fills the input (ExtractOptions::upstreamVerdict).
-    std::function<std::optional<std::string>()> upstreamVerdict;
+    // Read the options' inputDescriptor, when they name one, instead of the archive path.
+    bool readInputDescriptor = true;
+    // Offer the options' password to libarchive.
+    bool offerPassword = true;
+
+    static constexpr ReadPurpose extraction() {
+        return {.checkCompressedStream = true, .askUpstreamVerdict = true};
+    }
+    static constexpr ReadPurpose listing() { return {}; }
+    // A gzip file is checked whole against its trailer; an archive as it is extracted.
+    static constexpr ReadPurpose testing(ArchiveFormat format) {
+        return format == ArchiveFormat::Gz ? ReadPurpose{.trackDataCrc = true}
+                                           : ReadPurpose{.checkCompressedStream = true};
+    }
+    // One input of a gunzip, checked whole against its trailer; only the first may come
+    // from the descriptor, and a gzip file holds no encryption.
+    static constexpr ReadPurpose gunzip(bool first) {
+        return {.trackDataCrc = true, .readInputDescriptor = first, .offerPassword = false};
+    }
 };
 
 // Reads an existing archive file (zip, tar, tar.gz or a single gzip stream) through one
@@ -37,12 +55,10 @@ struct ReaderSetup {
 // Constructed open; destruction closes and frees the handle.
 class ArchiveDiskReader {
   public:
-    // A gzip-compressed archive is checked against its trailers (a single gzip file, Gz,
-    // is left to the caller, who sees all of its data).
+    // Reads with the options' password, from their descriptor or the archive path, and
+    // with the checks they give as far as the purpose asks for them.
     ArchiveDiskReader(tessel::host::HostPath archivePath, ArchiveFormat format,
-                      const std::u16string& password);
-    ArchiveDiskReader(tessel::host::HostPath archivePath, ArchiveFormat format,
-                      const std::u16string& password, ReaderSetup setup);
+                      const ExtractOptions& options, ReadPurpose purpose);
     ~ArchiveDiskReader();
     ArchiveDiskReader(const ArchiveDiskReader&) = delete;
     ArchiveDiskReader& operator=(const ArchiveDiskReader&) = delete;
@@ -84,7 +100,7 @@ class ArchiveDiskReader {
     };
 
     void enableFormats(ArchiveFormat format);
-    void openFile(ArchiveFormat format);
+    void openFile(ArchiveFormat format, int inputDescriptor, const StreamCheckFactory& check);
     void readLegacyZipName(::archive_entry* entry);
     void judgeCompressedStream();
 
@@ -92,7 +108,8 @@ class ArchiveDiskReader {
     std::unique_ptr<ArchiveFileSource> source_;
     std::unique_ptr<::archive, HandleCloser> handle_;
     tessel::host::HostPath archivePath_;
-    ReaderSetup setup_;
+    bool trackDataCrc_;
+    std::function<std::optional<std::string>()> upstreamVerdict_;
     std::uint32_t dataCrc_ = 0;
     std::uint64_t dataLength_ = 0;
 };

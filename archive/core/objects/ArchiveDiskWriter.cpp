@@ -43,18 +43,40 @@ std::optional<NullArchiveRule> securityRefusal(const std::string& message) {
     return std::nullopt;
 }
 
-int diskWriteOptions(const WriterSetup& setup) {
-    int options = kDiskWriteOptions;
-    if (setup.confine) {
-        options |= ARCHIVE_EXTRACT_SECURE_SYMLINKS | ARCHIVE_EXTRACT_SECURE_NODOTDOT;
+int diskWriteOptions(const ExtractOptions& options) {
+    int flags = kDiskWriteOptions;
+    if (options.confine) {
+        flags |= ARCHIVE_EXTRACT_SECURE_SYMLINKS | ARCHIVE_EXTRACT_SECURE_NODOTDOT;
     }
-    if (setup.safeWrites) {
-        options |= ARCHIVE_EXTRACT_SAFE_WRITES;
+    if (options.safeWrites) {
+        flags |= ARCHIVE_EXTRACT_SAFE_WRITES;
     }
-    if (setup.noOverwrite) {
-        options |= ARCHIVE_EXTRACT_NO_OVERWRITE;
+    if (options.keepExisting) {
+        flags |= ARCHIVE_EXTRACT_NO_OVERWRITE;
     }
-    return options;
+    return flags;
+}
+
+// libarchive's secure flags check the whole path, the output folder's own part included,
+// so a confined writer works on the folder's canonical form (no symbolic links, no "..").
+// Below the current folder it is taken relative to it: the checks then start there, as
+// they do for a tool that changes into the folder first, and cost one look per level less.
+tessel::host::HostPath canonicalFolder(const tessel::host::HostPath& folder) {
+    namespace fs = std::filesystem;
+    std::error_code error;
+    const fs::path named = folder.empty() ? fs::path(".") : folder.fsPath();
+    fs::path canonical = fs::weakly_canonical(fs::absolute(named, error), error);
+    if (error) {
+        canonical = fs::absolute(named).lexically_normal();
+    }
+    const fs::path current = fs::current_path(error);
+    if (!error) {
+        const fs::path below = canonical.lexically_relative(current);
+        if (!below.empty() && *below.begin() != "..") {
+            return tessel::host::HostPath(below);
+        }
+    }
+    return tessel::host::HostPath(canonical);
 }
 
 // libarchive writes a replacement to "<name>.XXXXXX" and keeps it open until the entry is
@@ -105,16 +127,28 @@ bool isFolder(const tessel::host::HostPath& path) {
 }  // namespace
 
 ArchiveDiskWriter::ArchiveDiskWriter(tessel::host::HostPath outputFolder)
-    : ArchiveDiskWriter(std::move(outputFolder), WriterSetup{}) {}
+    : outputFolder_(std::move(outputFolder)) {
+    open(kDiskWriteOptions);
+}
 
-ArchiveDiskWriter::ArchiveDiskWriter(tessel::host::HostPath outputFolder, WriterSetup setup)
-    : handle_(archive_write_disk_new()),
-      outputFolder_(std::move(outputFolder)),
-      setup_(std::move(setup)) {
+ArchiveDiskWriter::ArchiveDiskWriter(const std::u16string& outputFolder,
+                                     const ExtractOptions& options)
+    : outputFolder_(tessel::host::HostPath::fromText(outputFolder, "outputFolder")),
+      confine_(options.confine),
+      safeWrites_(options.safeWrites) {
+    if (confine_) {
+        shownFolder_ = outputFolder;
+        outputFolder_ = canonicalFolder(outputFolder_);
+    }
+    open(diskWriteOptions(options));
+}
+
+void ArchiveDiskWriter::open(int flags) {
+    handle_.reset(archive_write_disk_new());
     if (!handle_) {
         throw std::bad_alloc();
     }
-    archive_write_disk_set_options(handle_.get(), diskWriteOptions(setup_));
+    archive_write_disk_set_options(handle_.get(), flags);
     archive_write_disk_set_standard_lookup(handle_.get());
 }
 
@@ -139,7 +173,7 @@ bool ArchiveDiskWriter::writeHeader(::archive_entry* entry,
     if (archive_write_header(handle, entry) != ARCHIVE_OK) {
         const std::string message = libarchiveErrorString(handle, 1);
         // A confined writer's refusal is no skipped entry: the archive tried to get out.
-        if (const auto refusal = setup_.confine ? securityRefusal(message) : std::nullopt) {
+        if (const auto refusal = confine_ ? securityRefusal(message) : std::nullopt) {
             throwArchiveErrorForPath(*refusal, handle, entry);
         }
         const NullArchiveRule rule = message == kCannotUnlink ? NullArchiveRule::OverwriteOpenFile
@@ -184,7 +218,7 @@ void ArchiveDiskWriter::recordWrittenFile(::archive_entry* entry) {
 }
 
 std::u16string ArchiveDiskWriter::shown(std::u16string path) const {
-    if (!setup_.shownFolder) {
+    if (!shownFolder_) {
         return path;
     }
     const char16_t separator = tessel::host::HostPath::separator();
@@ -201,7 +235,7 @@ std::u16string ArchiveDiskWriter::shown(std::u16string path) const {
     }
     // "" and "." name the current folder: its entries are listed relative, as without
     // confinement.
-    const std::u16string& name = *setup_.shownFolder;
+    const std::u16string& name = *shownFolder_;
     if (name.empty() || name == u".") {
         return below;
     }
@@ -212,7 +246,7 @@ void ArchiveDiskWriter::abandonReplacement() {
     if (!currentEntryPath_) {
         return;
     }
-    if (setup_.safeWrites) {
+    if (safeWrites_) {
         const tessel::host::HostPath absolute = currentEntryPath_->absolute();
         if (const auto temporary = openTemporaryFor(absolute.access())) {
             // Gone before the entry is finished, so libarchive's rename fails and the file

@@ -9,31 +9,24 @@
 #include <archive.h>
 #include <archive_entry.h>
 
+#include <archive/core/ExtractOptions.hpp>
 #include <archive/core/objects/ArchiveFormat.hpp>
 #include <host/HostPath.hpp>
 
 namespace tessel::io::archive::core {
-
-// What a writer does beyond restoring permissions, times, ACLs and file flags.
-struct WriterSetup {
-    // libarchive's secure-extraction flags: refuse ".." and writing through symbolic links.
-    bool confine = false;
-    // libarchive's safe writes: an existing file is replaced through a temporary.
-    bool safeWrites = false;
-    // libarchive leaves an existing file alone (the caller warns before that happens).
-    bool noOverwrite = false;
-    // The output folder as the caller named it, when the writer works on its canonical
-    // form: listed paths are shown under the caller's name.
-    std::optional<std::u16string> shownFolder;
-};
 
 // Writes archive entries to disk through one libarchive write-disk handle, restoring
 // permissions, times, ACLs and file flags. Keeps the paths of the entries it completed
 // and can delete the file of the entry in progress.
 class ArchiveDiskWriter {
   public:
+    // Existing files are replaced, and nothing is refused but what libarchive refuses.
     explicit ArchiveDiskWriter(tessel::host::HostPath outputFolder);
-    ArchiveDiskWriter(tessel::host::HostPath outputFolder, WriterSetup setup);
+    // As the options say: confine (libarchive's secure-extraction flags, on the folder's
+    // canonical form; listed paths are still shown under the caller's name), safeWrites
+    // (a replacement goes through a temporary), keepExisting (an existing file is left
+    // alone; the caller warns before that happens).
+    ArchiveDiskWriter(const std::u16string& outputFolder, const ExtractOptions& options);
     ~ArchiveDiskWriter();
     ArchiveDiskWriter(const ArchiveDiskWriter&) = delete;
     ArchiveDiskWriter& operator=(const ArchiveDiskWriter&) = delete;
@@ -79,13 +72,18 @@ class ArchiveDiskWriter {
         }
     };
 
+    void open(int flags);
     std::u16string shown(std::u16string path) const;
 
     std::unique_ptr<::archive, HandleCloser> handle_;
     std::vector<std::u16string> writtenFiles_;
     tessel::host::HostPath outputFolder_;
     std::optional<tessel::host::HostPath> currentEntryPath_;
-    WriterSetup setup_;
+    bool confine_ = false;
+    bool safeWrites_ = false;
+    // The output folder as the caller named it, when the writer works on its canonical
+    // form.
+    std::optional<std::u16string> shownFolder_;
 };
 
 }  // namespace tessel::io::archive::core

@@ -16,7 +16,7 @@ TQ_MESSAGE_CLASS("TESSEL:io:archive:createArchive", entryNameCountMismatch, 2); 
 // A warning; also issued under "TESSEL:zip:openEntryError" and "TESSEL:tar:openEntryError".
 TQ_MESSAGE_CLASS("TESSEL:io:archive:createArchive", openEntryError, 1);  // path, UTF-8
 
-// The additions' errors.
+// The errors of the calls with options.
 TQ_MESSAGE_CLASS("TESSEL:io:archive:createArchive", cancelled, 0);
 TQ_MESSAGE_CLASS("TESSEL:io:archive:createArchive", unknownArchiveType, 1);  // archive path
 TQ_MESSAGE_CLASS("TESSEL:io:archive:createArchive", invalidCompression, 2);  // filter, level

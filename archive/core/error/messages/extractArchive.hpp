@@ -17,7 +17,7 @@ TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", unableToCreate, 1);
 TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", unableToOverwrite, 1);
 TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", removeControlM, 1);
 
-// The additions' errors and warnings.
+// The errors and warnings of the calls with options.
 TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", entryOutsideFolder, 2);   // entry, archive
 TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", entryThroughSymlink, 2);  // entry, archive
 // entry, its target, archive

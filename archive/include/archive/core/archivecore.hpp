@@ -60,7 +60,7 @@ TQARCHIVE_API void sampleReadWithPassword(const std::u16string& archivePath,
                                           const std::u16string& format,
                                           const std::u16string& password);
 
-// ---- Additions beside the entry points above ----
+// ---- Calls with options, and helpers beside the entry points above ----
 
 // extractArchive with options: confinement and safe modes, selection by pattern,
 // keep-existing, safe writes, cleanup on failure, progress and cancellation, reading
@@ -123,7 +123,8 @@ TQARCHIVE_API void compressgzBuiltin(int nlhs, hxOutput* plhs, int nrhs,
 TQARCHIVE_API void uncompressgzBuiltin(int nlhs, hxOutput* plhs, int nrhs,
                                        const tessel::host::hxArray** prhs);
 
-// Gateways of the additions, in the same style: counts first, then the inputs, then one call.
+// Gateways of the calls with options, in the same style: counts first, then the inputs,
+// then one call.
 // listArchiveBuiltin(archive, format [, password]) -> the entry names.
 TQARCHIVE_API void listArchiveBuiltin(int nlhs, hxOutput* plhs, int nrhs,
                                       const tessel::host::hxArray** prhs);
