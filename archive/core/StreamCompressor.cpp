@@ -15,7 +15,7 @@
 #include <archive/core/error/CreateFailures.hpp>
 #include <archive/core/error/StatusChecks.hpp>
 #include <archive/core/objects/ArchiveCreator.hpp>
-#include <archive/core/objects/ArchiveFormat.hpp>
+#include <archive/core/types/ArchiveFormat.hpp>
 #include <archive/core/rethrowAsHostError.hpp>
 #include <host/HostPath.hpp>
 #include <host/TextConversion.hpp>

@@ -11,7 +11,7 @@
 #include <archive/core/error/StatusChecks.hpp>
 #include <archive/core/error/messages/createArchive.hpp>
 #include <archive/core/objects/ArchiveCreator.hpp>
-#include <archive/core/objects/ArchiveFormat.hpp>
+#include <archive/core/types/ArchiveFormat.hpp>
 #include <archive/core/objects/ArchiveObjectReader.hpp>
 #include <archive/core/objects/CopyBuffer.hpp>
 #include <archive/core/objects/ReadDiskHandlePool.hpp>

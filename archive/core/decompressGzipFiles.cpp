@@ -13,7 +13,7 @@
 #include <archive/core/error/messages/gunzip.hpp>
 #include <archive/core/objects/ArchiveDiskReader.hpp>
 #include <archive/core/objects/ArchiveDiskWriter.hpp>
-#include <archive/core/objects/ArchiveFormat.hpp>
+#include <archive/core/types/ArchiveFormat.hpp>
 #include <archive/core/objects/DataBlock.hpp>
 #include <archive/core/objects/copyEntryData.hpp>
 #include <archive/core/rethrowAsHostError.hpp>

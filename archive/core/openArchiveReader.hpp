@@ -5,7 +5,7 @@
 
 #include <archive/core/ExtractOptions.hpp>
 #include <archive/core/objects/ArchiveDiskReader.hpp>
-#include <archive/core/objects/ArchiveFormat.hpp>
+#include <archive/core/types/ArchiveFormat.hpp>
 
 namespace tessel::io::archive::core {
 

@@ -6,7 +6,7 @@
 #include <archive/core/error/ExtractFailures.hpp>
 #include <archive/core/objects/ArchiveDiskReader.hpp>
 #include <archive/core/objects/ArchiveDiskWriter.hpp>
-#include <archive/core/objects/ArchiveFormat.hpp>
+#include <archive/core/types/ArchiveFormat.hpp>
 #include <archive/core/objects/DataBlock.hpp>
 #include <archive/core/rethrowAsHostError.hpp>
 #include <host/HostPath.hpp>

@@ -7,7 +7,7 @@
 #include <archive/core/error/StatusChecks.hpp>
 #include <archive/core/error/messages/testArchive.hpp>
 #include <archive/core/objects/ArchiveDiskReader.hpp>
-#include <archive/core/objects/ArchiveFormat.hpp>
+#include <archive/core/types/ArchiveFormat.hpp>
 #include <archive/core/objects/DataBlock.hpp>
 #include <archive/core/openArchiveReader.hpp>
 #include <archive/core/readEntryInfo.hpp>

@@ -4,7 +4,7 @@
 
 #include <archive/core/CreateOptions.hpp>
 #include <archive/core/error/ArchiveException.hpp>
-#include <archive/core/objects/ArchiveFormat.hpp>
+#include <archive/core/types/ArchiveFormat.hpp>
 
 namespace tessel::io::archive::core {
 

@@ -3,7 +3,7 @@
 #include <string>
 
 #include <archive/core/error/ArchiveException.hpp>
-#include <archive/core/objects/ArchiveFormat.hpp>
+#include <archive/core/types/ArchiveFormat.hpp>
 
 namespace tessel::io::archive::core {
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include <archive/core/error/NullArchiveRule.hpp>
-#include <archive/core/objects/ArchiveFormat.hpp>
+#include <archive/core/types/ArchiveFormat.hpp>
 #include <host/MessageArgument.hpp>
 
 namespace tessel::io::archive::core {

@@ -3,7 +3,7 @@
 #include <string>
 
 #include <archive/core/error/NullArchiveRule.hpp>
-#include <archive/core/objects/ArchiveFormat.hpp>
+#include <archive/core/types/ArchiveFormat.hpp>
 #include <host/HostPath.hpp>
 
 struct archive;

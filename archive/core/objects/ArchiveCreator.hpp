@@ -6,7 +6,7 @@
 #include <vector>
 
 #include <archive/core/CreateOptions.hpp>
-#include <archive/core/objects/ArchiveFormat.hpp>
+#include <archive/core/types/ArchiveFormat.hpp>
 #include <host/HostPath.hpp>
 
 struct archive;

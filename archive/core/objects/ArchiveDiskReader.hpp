@@ -13,7 +13,7 @@
 #include <archive/core/CompressedStreamCheck.hpp>
 #include <archive/core/ExtractOptions.hpp>
 #include <archive/core/objects/ArchiveFileSource.hpp>
-#include <archive/core/objects/ArchiveFormat.hpp>
+#include <archive/core/types/ArchiveFormat.hpp>
 #include <archive/core/objects/DataBlock.hpp>
 #include <host/HostPath.hpp>
 

@@ -10,7 +10,7 @@
 #include <archive_entry.h>
 
 #include <archive/core/ExtractOptions.hpp>
-#include <archive/core/objects/ArchiveFormat.hpp>
+#include <archive/core/types/ArchiveFormat.hpp>
 #include <host/HostPath.hpp>
 
 namespace tessel::io::archive::core {

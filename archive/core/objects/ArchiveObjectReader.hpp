@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include <archive/core/objects/ArchiveFormat.hpp>
+#include <archive/core/types/ArchiveFormat.hpp>
 #include <host/HostPath.hpp>
 
 struct archive;

@@ -16,7 +16,7 @@
 #include <archive/core/StreamCompressor.hpp>
 #include <archive/core/TestReport.hpp>
 #include <archive/core/api.hpp>
-#include <host/hxArray.hpp>
+#include <archive/core/builtins.hpp>
 
 namespace tessel::io::archive::core {
 
@@ -110,30 +110,3 @@ TQARCHIVE_API TestReport testArchive(const std::u16string& archivePath,
                                      const EntryVisitor& visit = {});
 
 }  // namespace tessel::io::archive::core
-
-// The host's builtin gateways.
-using hxOutput = std::unique_ptr<tessel::host::hxArray, tessel::host::hxArrayDeleter>;
-
-TQARCHIVE_API void createArchiveBuiltin(int nlhs, hxOutput* plhs, int nrhs,
-                                        const tessel::host::hxArray** prhs);
-TQARCHIVE_API void extractArchiveBuiltin(int nlhs, hxOutput* plhs, int nrhs,
-                                         const tessel::host::hxArray** prhs);
-TQARCHIVE_API void compressgzBuiltin(int nlhs, hxOutput* plhs, int nrhs,
-                                     const tessel::host::hxArray** prhs);
-TQARCHIVE_API void uncompressgzBuiltin(int nlhs, hxOutput* plhs, int nrhs,
-                                       const tessel::host::hxArray** prhs);
-
-// Gateways of the calls with options, in the same style: counts first, then the inputs,
-// then one call.
-// listArchiveBuiltin(archive, format [, password]) -> the entry names.
-TQARCHIVE_API void listArchiveBuiltin(int nlhs, hxOutput* plhs, int nrhs,
-                                      const tessel::host::hxArray** prhs);
-// testArchiveBuiltin(archive, format [, password]) -> the names of damaged entries (empty
-// when sound); each damage is also issued as a warning.
-TQARCHIVE_API void testArchiveBuiltin(int nlhs, hxOutput* plhs, int nrhs,
-                                      const tessel::host::hxArray** prhs);
-// extractArchiveConfinedBuiltin(archive, outputFolder, format [, patterns [, password]]):
-// extraction with ExtractOptions::safe(); a pattern matching nothing raises entryNotFound
-// after the rest is extracted.
-TQARCHIVE_API void extractArchiveConfinedBuiltin(int nlhs, hxOutput* plhs, int nrhs,
-                                                 const tessel::host::hxArray** prhs);

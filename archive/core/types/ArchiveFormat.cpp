@@ -1,4 +1,4 @@
-#include <archive/core/objects/ArchiveFormat.hpp>
+#include <archive/core/types/ArchiveFormat.hpp>
 
 namespace tessel::io::archive::core {
 
