@@ -17,6 +17,7 @@
 
 #include "../support/LogCapture.hpp"
 #include "../support/TestSupport.hpp"
+#include "../support/Tools.hpp"
 
 namespace tqtest {
 namespace {
@@ -37,13 +38,6 @@ struct Call {
     Strings files, names;
     std::string format, expected, password = "", method = "";
 };
-
-// Runs a shell command line in a folder: what it printed, after "failed: " if it failed.
-std::string sh(const fs::path& dir, const std::string& commandLine) {
-    const auto [status, output] =
-        runCommand("cd " + shellQuote(dir.string()) + " && " + commandLine);
-    return status == 0 ? output : "failed: " + output;
-}
 
 // "ok(names returned)" or the host error's "identifier(arguments)", " +identifier(arguments)"
 // for each warning, " differs" for a gzip output gzip -dc does not turn back into its input,
@@ -279,34 +273,61 @@ TEST(CreateLog, RecordsOfARelativeArchiveAndOfAFailure) {
 enum Family : unsigned { Zip = 1, Tar = 2, CompressedTar = 4 };
 constexpr const char* kPassword = "pässwörd 1";
 
-// Archive, format, family, encryption method (empty: the overload without a password), and
-// the scheme 7z reports for an encrypted zip's entries.
-const std::tuple<const char*, const char*, Family, std::string, const char*> kKinds[] = {
-    {"a.zip", "zip", Zip, "", ""},
-    {"a.tar", "tar", Tar, "", ""},
-    {"a.tgz", "tgz", CompressedTar, "", ""},
-    {"b.zip", "all", Zip, "", ""},
-    {"b.tar", "all", Tar, "", ""},
-    {"b.tar.gz", "all", CompressedTar, "", ""},
-    {"b.tar.xz", "all", CompressedTar, "", ""},
-    {"zipcrypt.zip", "zip", Zip, "zipcrypt", "ZipCrypto"},
-    {"traditional.zip", "zip", Zip, "traditional", "ZipCrypto"},
-    {"aes128.zip", "zip", Zip, "aes128", "AES-128"},
-    {"aes256.zip", "zip", Zip, "aes256", "AES-256"},
+// An archive createArchive makes.
+struct Kind {
+    const char* archive;
+    const char* format;
+    Family family;
+    std::string method = "";  // encryption; empty: the overload without a password
+    const char* scheme = "";  // what 7z reports for an encrypted zip's entries
+};
+const Kind kKinds[] = {
+    {.archive = "a.zip", .format = "zip", .family = Zip},
+    {.archive = "a.tar", .format = "tar", .family = Tar},
+    {.archive = "a.tgz", .format = "tgz", .family = CompressedTar},
+    {.archive = "b.zip", .format = "all", .family = Zip},
+    {.archive = "b.tar", .format = "all", .family = Tar},
+    {.archive = "b.tar.gz", .format = "all", .family = CompressedTar},
+    {.archive = "b.tar.xz", .format = "all", .family = CompressedTar},
+    {.archive = "zipcrypt.zip",
+     .format = "zip",
+     .family = Zip,
+     .method = "zipcrypt",
+     .scheme = "ZipCrypto"},
+    {.archive = "traditional.zip",
+     .format = "zip",
+     .family = Zip,
+     .method = "traditional",
+     .scheme = "ZipCrypto"},
+    {.archive = "aes128.zip",
+     .format = "zip",
+     .family = Zip,
+     .method = "aes128",
+     .scheme = "AES-128"},
+    {.archive = "aes256.zip",
+     .format = "zip",
+     .family = Zip,
+     .method = "aes256",
+     .scheme = "AES-256"},
 };
 
 // Accented, CJK and emoji names, nested folders, an empty file, a file of exactly one copy
 // chunk, incompressible data and several modes.
-const std::tuple<std::string, std::string, unsigned> kTree[] = {
-    {"docs/", "", 0755},
-    {"docs/héllo wörld.txt", "accents\n", 0644},
-    {"docs/日本語.txt", "CJK\n", 0644},
-    {"docs/emoji😀.bin", randomBytes(70000, 7), 0644},
-    {"docs/sub/", "", 0755},
-    {"docs/sub/exact.bin", randomBytes(16384, 3), 0644},
-    {"empty.txt", "", 0644},
-    {"run.sh", "#!/bin/sh\necho hi\n", 0750},
-    {"private.txt", "secret\n", 0600}};
+struct TreeItem {
+    std::string name;  // a folder's ends in "/"
+    std::string bytes;
+    unsigned mode;
+};
+const TreeItem kTree[] = {
+    {.name = "docs/", .bytes = "", .mode = 0755},
+    {.name = "docs/héllo wörld.txt", .bytes = "accents\n", .mode = 0644},
+    {.name = "docs/日本語.txt", .bytes = "CJK\n", .mode = 0644},
+    {.name = "docs/emoji😀.bin", .bytes = randomBytes(70000, 7), .mode = 0644},
+    {.name = "docs/sub/", .bytes = "", .mode = 0755},
+    {.name = "docs/sub/exact.bin", .bytes = randomBytes(16384, 3), .mode = 0644},
+    {.name = "empty.txt", .bytes = "", .mode = 0644},
+    {.name = "run.sh", .bytes = "#!/bin/sh\necho hi\n", .mode = 0750},
+    {.name = "private.txt", .bytes = "secret\n", .mode = 0600}};
 
 // Shell commands over $A archive, $O output folder, $W password (empty without one), $Z the
 // zipfile script. Every zip reader takes traditional encryption; aes: AES too.

@@ -5,9 +5,10 @@
 
 #include <cstdio>
 
-#include "AdditionsSupport.hpp"
+#include "../support/Outcomes.hpp"
+#include "../support/Tools.hpp"
 
-namespace tqtest::additions {
+namespace tqtest {
 namespace {
 
 using namespace std::string_literals;
@@ -161,4 +162,4 @@ TEST(Names, PathTextsWithNulOrLoneSurrogatesAreRefused) {
 }
 
 }  // namespace
-}  // namespace tqtest::additions
+}  // namespace tqtest
