@@ -94,67 +94,77 @@ std::string lines(const std::vector<Call>& calls, const fs::path& dir, const fs:
 // Runs as root and as nobody: checkReadable looks at the owner-read bit, so an input
 // without it is refused to both.
 TEST(CreateInput, IdentifiedOutcomesAndWhatIsLeft) {
-    const Strings a = {"a.txt"}, aa = {"a.txt", "a.txt"}, aaa = {"a.txt", "a.txt", "a.txt"},
-                  l = {"locked.txt", "ok.txt"}, o = {"one.txt", "ok.txt", "ok.txt"},
-                  p = {"one.txt", "two.bin", "gone"}, s = {"d", "d", "a.txt", "a.txt", "a.txt"},
-                  sn = {"d/", "e//", "f/", "g 日😀", "", "ignored extra name"},
-                  g = {"a/b/r.txt", "x.gz", ".profile", "ü 日😀", "notes", "exact"};
-    const std::string lk = "openEntryError(@/locked.txt) ", la = "openEntryError(@/a.txt) ",
-                      sz = "ok(d/,e//,g 日😀) +", st = "ok(d,e/,g 日😀) +", sl = "[d/,e//,g 日😀]",
+    const Strings aTxt = {"a.txt"}, aTxtTwice = {"a.txt", "a.txt"},
+                  aTxtThrice = {"a.txt", "a.txt", "a.txt"}, lockedThenOk = {"locked.txt", "ok.txt"},
+                  oneThenOkTwice = {"one.txt", "ok.txt", "ok.txt"},
+                  oneTwoGone = {"one.txt", "two.bin", "gone"},
+                  folderTwiceThenFiles = {"d", "d", "a.txt", "a.txt", "a.txt"},
+                  slashedNames = {"d/", "e//", "f/", "g 日😀", "", "ignored extra name"},
+                  oddNames = {"a/b/r.txt", "x.gz", ".profile", "ü 日😀", "notes", "exact"};
+    const std::string lockedRefused = "openEntryError(@/locked.txt) ",
+                      aTxtRefused = "openEntryError(@/a.txt) ", slashesKept = "ok(d/,e//,g 日😀) +",
+                      oneSlashDropped = "ok(d,e/,g 日😀) +", slashedEntries = "[d/,e//,g 日😀]",
                       beside =
                           "ok(@/a/b/r.txt.gz,@/x.gz.gz,@/.profile.gz,@/ü 日😀.gz,@/notes.gz,"
                           "@/exact.gz) .profile.gz a/b/r.txt.gz exact.gz notes.gz[] x.gz.gz "
                           "ü 日😀.gz",
                       in = "ok(@/out/one.txt.gz,@/out/ok.txt.gz,@/out/ok.txt.gz) out/ok.txt.gz "
                            "out/one.txt.gz";
+    // Each row: archive, files, names, format, expected outcome, then password and method.
     const std::vector<Call> calls = {
-        {"", a, a, "zip", "zip:openError()"},
-        {"d", a, a, "tar", "tar:openError(@/d)"},
-        {"no/x.tgz", a, a, "tgz", "tar:openError(@/no/x.tgz)"},
-        {"no/x.zip", a, a, "all", kInternal},
-        {"x.rar", a, a, "all", kInternal},
+        {"", aTxt, aTxt, "zip", "zip:openError()"},
+        {"d", aTxt, aTxt, "tar", "tar:openError(@/d)"},
+        {"no/x.tgz", aTxt, aTxt, "tgz", "tar:openError(@/no/x.tgz)"},
+        {"no/x.zip", aTxt, aTxt, "all", kInternal},
+        {"x.rar", aTxt, aTxt, "all", kInternal},
         {"m.zip", {"missing"}, {"m"}, "zip", kInternal + " m.zip[]"},
         {"m.tar", {"missing"}, {""}, "tar", kInternal + " m.tar[]"},  // even without a name
         {"e.tar", {""}, {"e"}, "tar", kInternal + " e.tar[]"},
         // The raw format takes one regular file; a refused header still returns its name.
         {"r.gz", {"two.bin"}, {"x"}, "gz", "ok(x) r.gz"},
-        {"2.gz", aa, {"a", "b"}, "gz", kInternal + " +createArchive:openEntryError(b) 2.gz"},
+        {"2.gz", aTxtTwice, {"a", "b"}, "gz", kInternal + " +createArchive:openEntryError(b) 2.gz"},
         {"d.gz", {"d"}, {"d"}, "gz", "ok(d) +createArchive:openEntryError(d) d.gz[]"},
         // Name counts, passwords and methods are checked before the archive exists.
-        {"f.zip", aaa, a, "zip", "createArchive:entryNameCountMismatch(3,1)"},
-        {"1.zip", a, a, "zip", "createArchive:emptyPassword()", "", "zipcrypt"},
-        {"2.zip", a, a, "foo", "createArchive:invalidArchiveFormat()", "", "zipcrypt"},
-        {"3.zip", a, a, "zip", "createArchive:invalidEncryptionInLinux()", "pw", "rot13"},
-        {"4.zip", a, a, "all", kInternal, "", "zipcrypt"},
-        {"5.tar", a, a, "tar", kInternal, "pw", "zipcrypt"},
-        {"6.zip", a, a, "all", "ok(a.txt) 6.zip[a.txt]", "pw", "aes128"},
-        {"7.zip", a, a, "foo", "ok(a.txt) 7.zip[a.txt]", "pw", "traditional"},
+        {"f.zip", aTxtThrice, aTxt, "zip", "createArchive:entryNameCountMismatch(3,1)"},
+        {"1.zip", aTxt, aTxt, "zip", "createArchive:emptyPassword()", "", "zipcrypt"},
+        {"2.zip", aTxt, aTxt, "foo", "createArchive:invalidArchiveFormat()", "", "zipcrypt"},
+        {"3.zip", aTxt, aTxt, "zip", "createArchive:invalidEncryptionInLinux()", "pw", "rot13"},
+        {"4.zip", aTxt, aTxt, "all", kInternal, "", "zipcrypt"},
+        {"5.tar", aTxt, aTxt, "tar", kInternal, "pw", "zipcrypt"},
+        {"6.zip", aTxt, aTxt, "all", "ok(a.txt) 6.zip[a.txt]", "pw", "aes128"},
+        {"7.zip", aTxt, aTxt, "foo", "ok(a.txt) 7.zip[a.txt]", "pw", "traditional"},
         // Tar formats drop one trailing slash from the names they return; zip keeps them. A
         // file named like a folder would lose its content: skipped with the family's
         // warning. A folder is one entry: its content is the caller's to list.
-        {"s.zip", s, sn, "zip", sz + "TESSEL:zip:" + la + "s.zip" + sl},
-        {"s.tar", s, sn, "tar", st + "TESSEL:tar:" + la + "s.tar" + sl},
-        {"t.tar", s, sn, "all", sz + "createArchive:" + la + "t.tar" + sl},
+        {"s.zip", folderTwiceThenFiles, slashedNames, "zip",
+         slashesKept + "TESSEL:zip:" + aTxtRefused + "s.zip" + slashedEntries},
+        {"s.tar", folderTwiceThenFiles, slashedNames, "tar",
+         oneSlashDropped + "TESSEL:tar:" + aTxtRefused + "s.tar" + slashedEntries},
+        {"t.tar", folderTwiceThenFiles, slashedNames, "all",
+         slashesKept + "createArchive:" + aTxtRefused + "t.tar" + slashedEntries},
         {"e.zip", {}, {}, "all", "ok() e.zip[]"},
         // An input its owner may not read is skipped with the family's warning...
-        {"l.zip", l, l, "zip", "ok(ok.txt) +TESSEL:zip:" + lk + "l.zip[ok.txt]"},
-        {"l.tar", l, l, "tar", "ok(ok.txt) +TESSEL:tar:" + lk + "l.tar[ok.txt]"},
-        {"l2.zip", l, l, "all", "ok(ok.txt) +createArchive:" + lk + "l2.zip[ok.txt]"},
+        {"l.zip", lockedThenOk, lockedThenOk, "zip",
+         "ok(ok.txt) +TESSEL:zip:" + lockedRefused + "l.zip[ok.txt]"},
+        {"l.tar", lockedThenOk, lockedThenOk, "tar",
+         "ok(ok.txt) +TESSEL:tar:" + lockedRefused + "l.tar[ok.txt]"},
+        {"l2.zip", lockedThenOk, lockedThenOk, "all",
+         "ok(ok.txt) +createArchive:" + lockedRefused + "l2.zip[ok.txt]"},
         // ...and an error for gzip, which removes that input's output only.
-        {"l.gz", l, l, "gz", kInternal + " l.gz[]"},
-        {"", l, {}, "", "gzip:javaOpenError(@/locked.txt)"},
+        {"l.gz", lockedThenOk, lockedThenOk, "gz", kInternal + " l.gz[]"},
+        {"", lockedThenOk, {}, "", "gzip:javaOpenError(@/locked.txt)"},
         {"", {"one.txt", "gone.txt"}, {}, "", "gzip:javaOpenError(@/gone.txt) one.txt.gz"},
         {".", {""}, {}, "", "gzip:javaOpenError()"},
         {"missing", {"one.txt"}, {}, "", "gzip:javaOutputOpenError(@/missing/one.txt.gz)"},
         {"o", {"one.txt"}, {}, "", "gzip:javaOutputOpenError(@/o/one.txt.gz)"},
         // Outputs beside their inputs (nothing is ever removed from a name) or in a folder.
-        {"", g, {}, "", beside},
-        {"out", o, {}, "", in},
+        {"", oddNames, {}, "", beside},
+        {"out", oneThenOkTwice, {}, "", in},
         {"out", {}, {}, "", "ok()"},
         // A failure in the middle of the list keeps the archive with the entries before it.
-        {"p.zip", p, p, "zip", kInternal + " p.zip[one.txt,two.bin]"},
-        {"p.tar", p, p, "tar", kInternal + " p.tar[one.txt,two.bin]"},
-        {"p.tgz", p, p, "tgz", kInternal + " p.tgz[one.txt,two.bin]"},
+        {"p.zip", oneTwoGone, oneTwoGone, "zip", kInternal + " p.zip[one.txt,two.bin]"},
+        {"p.tar", oneTwoGone, oneTwoGone, "tar", kInternal + " p.tar[one.txt,two.bin]"},
+        {"p.tgz", oneTwoGone, oneTwoGone, "tgz", kInternal + " p.tgz[one.txt,two.bin]"},
     };
     for (const bool asNobody : {false, true}) {
         TempDir dir;
