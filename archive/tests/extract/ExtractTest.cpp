@@ -1,9 +1,15 @@
-// extractArchive, sampleReadWithPassword and uncompressgz on archives that real tools make
-// at test time. Each call is reduced to one line of text (see outcome), so that one
-// comparison states everything a call did: what it returned, warned, raised and left.
+// extractArchive and sampleReadWithPassword (and uncompressgz where a case holds for both)
+// on archives that real tools make at test time. Each call is reduced to one line of text
+// (see outcome), so that one comparison states everything a call did: what it returned,
+// warned, raised and left.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <functional>
+#include <map>
 #include <ostream>
+#include <string>
+#include <vector>
 
 #include <host/HostError.hpp>
 #include <host/TextConversion.hpp>
