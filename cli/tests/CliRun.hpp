@@ -6,7 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include "../../archive/tests/support/TestSupport.hpp"
+#include "archive/tests/support/TestSupport.hpp"
+#include "archive/tests/support/Tools.hpp"
 
 namespace clitest {
 
@@ -35,17 +36,6 @@ inline CliResult tqarchive(const fs::path& folder, const std::string& args,
 inline bool reports(const CliResult& result, const std::string& identifier) {
     return result.err.find(" [" + identifier + "]\n") != std::string::npos &&
            result.err.find("Unknown message identifier") == std::string::npos;
-}
-
-// Runs a shell command in the folder; fails the test when it fails.
-inline void shell(const fs::path& folder, const std::string& command) {
-    const auto result = runCommand("cd " + shellQuote(folder.string()) + " && " + command);
-    ASSERT_EQ(result.status, 0) << command << "\n" << result.output;
-}
-
-// The same, returning what it printed (standard output and error).
-inline std::string sh(const fs::path& folder, const std::string& command) {
-    return runCommand("cd " + shellQuote(folder.string()) + " && " + command).output;
 }
 
 // The program, quoted for a shell line.

@@ -47,9 +47,8 @@ TEST(Create, EveryTarExtensionRoundTripsWithBsdtarBothWays) {
         ASSERT_EQ(packed.status, 0) << packed.err;
         const std::string magic = sh(dir.path(), "head -c 3 " + mine + " | od -An -tx1");
         EXPECT_NE(magic.find(type.magic), std::string::npos) << magic;
-        shell(dir.path(), "rm -rf out in && mkdir out && bsdtar -xf " + mine +
-                              " -C out && bsdtar -cf " + theirs + " " + type.bsdtarFilter +
-                              " tree");
+        sh(dir.path(), "rm -rf out in && mkdir out && bsdtar -xf " + mine +
+                           " -C out && bsdtar -cf " + theirs + " " + type.bsdtarFilter + " tree");
         EXPECT_EQ(snapshot(dir / "out/tree"), snapshot(dir / "tree"));
         EXPECT_EQ(tqarchive(dir.path(), "untar " + theirs + " -d in -q").err, "");
         EXPECT_EQ(snapshot(dir / "in/tree"), snapshot(dir / "tree"));
@@ -59,7 +58,7 @@ TEST(Create, EveryTarExtensionRoundTripsWithBsdtarBothWays) {
 
 TEST(Create, LevelsFromStoredToSmallest) {
     TempDir dir;
-    shell(dir.path(), "seq 1 200000 > n.txt");
+    sh(dir.path(), "seq 1 200000 > n.txt");
     const auto sizeOf = [&](const std::string& file) { return fs::file_size(dir / file); };
     for (const std::string pack : {"zip z%.zip n.txt", "tar t%.tgz n.txt", "gzip n.txt -d g%"}) {
         SCOPED_TRACE(pack);
@@ -96,9 +95,9 @@ TEST(Create, ExcludedPathsAndNamesAreLeftOutWithEverythingBeneath) {
         {"--exclude tree", ""},
     };
     TempDir dir;
-    shell(dir.path(),
-          "mkdir -p tree/.git tree/src && touch tree/a.o tree/keep.txt "
-          "tree/.git/config tree/src/main.c tree/src/main.o");
+    sh(dir.path(),
+       "mkdir -p tree/.git tree/src && touch tree/a.o tree/keep.txt "
+       "tree/.git/config tree/src/main.c tree/src/main.o");
     for (const Exclusion& exclusion : cases) {
         for (const std::string pack : {"zip e.zip", "tar e.tar"}) {
             const auto run = tqarchive(dir.path(), pack + " tree " + exclusion.options);
@@ -118,8 +117,8 @@ TEST(Create, ZipPasswordEncryptsWithAes256UnlessAnotherMethodIsChosen) {
     TempDir dir;
     writeFile(dir / "a.txt", "secret\n");
     for (const auto& [option, method] : methods) {
-        shell(dir.path(), "rm -f s.zip && printf 'pw\\n' > pw && " + program() +
-                              " zip s.zip a.txt -q --password-file pw " + option);
+        sh(dir.path(), "rm -f s.zip && printf 'pw\\n' > pw && " + program() +
+                           " zip s.zip a.txt -q --password-file pw " + option);
         EXPECT_NE(sh(dir.path(), "7z l -slt -ppw s.zip | grep '^Method'").find(method),
                   std::string::npos)
             << option;
@@ -129,8 +128,8 @@ TEST(Create, ZipPasswordEncryptsWithAes256UnlessAnotherMethodIsChosen) {
 TEST(Create, NamesThatAreNotUtf8OrHoldControlCharactersPackWholeAndPrintEscaped) {
     TempDir dir;
     const std::string latin = "\"$(printf '\\351t\\351.txt')\"";
-    shell(dir.path(), "mkdir tree && printf latin > tree/" + latin +
-                          " && printf ctrl > \"tree/$(printf 'a\\033[31mred\\007.txt')\"");
+    sh(dir.path(), "mkdir tree && printf latin > tree/" + latin +
+                       " && printf ctrl > \"tree/$(printf 'a\\033[31mred\\007.txt')\"");
     // A zip stores the bytes without the UTF-8 flag, so readers take them as CP437.
     for (const auto& [format, extracted] :
          {std::pair<std::string, std::string>{"tar", latin}, {"zip", "ΘtΘ.txt"}}) {

@@ -19,14 +19,14 @@ struct FailingRun {
 // error names what to fix; none is the internal error, and nothing is written.
 TEST(BadInput, ExitStatus1AnIdentifiedErrorAndNothingWritten) {
     TempDir dir;
-    shell(dir.path(),
-          "mkdir a b locked work && echo text | tee a/x.txt b/x.txt > plain.txt && " + program() +
-              " zip -q s.zip plain.txt --password right && gzip -c plain.txt > noext && "
-              "tar -czf t.tgz a b plain.txt && head -c 100 t.tgz > trunc.tgz && chmod 777 work "
-              "&& chmod -R o+rX .");
+    sh(dir.path(),
+       "mkdir a b locked work && echo text | tee a/x.txt b/x.txt > plain.txt && " + program() +
+           " zip -q s.zip plain.txt --password right && gzip -c plain.txt > noext && "
+           "tar -czf t.tgz a b plain.txt && head -c 100 t.tgz > trunc.tgz && chmod 777 work "
+           "&& chmod -R o+rX .");
     // One flipped byte inside the stored data of a tgz: only the gzip trailer tells.
     writeFile(dir / "r.bin", randomBytes(100000));
-    shell(dir.path(), "tar -czf flipped.tgz r.bin && chmod o+r flipped.tgz");
+    sh(dir.path(), "tar -czf flipped.tgz r.bin && chmod o+r flipped.tgz");
     std::string flipped = readFile(dir / "flipped.tgz");
     flipped[60000] = static_cast<char>(flipped[60000] ^ 0xff);
     writeFile(dir / "flipped.tgz", flipped);

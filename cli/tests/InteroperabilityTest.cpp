@@ -29,11 +29,11 @@ TEST(Interoperability, TheTreeComesBackWholeBothWays) {
         SCOPED_TRACE(make);
         TempDir dir;
         makeSampleTree(dir / "tree");
-        shell(dir.path(), make);
+        sh(dir.path(), make);
         EXPECT_EQ(tqarchive(dir.path(), open + " -d in").err, "");
         EXPECT_EQ(snapshot(dir / "in/tree"), snapshot(dir / "tree"));
         EXPECT_EQ(tqarchive(dir.path(), pack + " tree -q").err, "");
-        shell(dir.path(), "mkdir out && " + unpack);
+        sh(dir.path(), "mkdir out && " + unpack);
         EXPECT_EQ(snapshot(dir / "out/tree"), snapshot(dir / "tree"));
     }
     if (!missing.empty()) {

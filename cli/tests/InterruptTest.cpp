@@ -87,7 +87,7 @@ TEST(Interrupt, AFullDiskNeverGivesSuccessWithABrokenFileAndKeepsThePreviousOne)
         {"gzip r.bin -d disk", "r.bin.gz", "gzip -t disk/r.bin.gz"},
     };
     TempDir dir;
-    shell(dir.path(), "mkdir disk && head -c 40000 /dev/urandom > r.bin");
+    sh(dir.path(), "mkdir disk && head -c 40000 /dev/urandom > r.bin");
     for (const Sweep& sweep : sweeps) {
         SCOPED_TRACE(sweep.pack);
         const std::string script =

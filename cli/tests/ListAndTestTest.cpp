@@ -29,7 +29,7 @@ TEST(List, NamesInArchiveOrderLongFormAndJsonForScripts) {
         GTEST_SKIP() << "python3 is not installed";
     }
     TempDir dir;
-    shell(dir.path(), kMakeTar + " && printf secret > s.txt && zip -q -P pw s.zip s.txt");
+    sh(dir.path(), kMakeTar + " && printf secret > s.txt && zip -q -P pw s.zip s.txt");
     EXPECT_EQ(tqarchive(dir.path(), "list t.tar").output,
               "dir/\ndir/file.txt\nlink\n\\351t\\351.txt\n");
     const auto long_ = tqarchive(dir.path(), "list t.tar -v", "TZ=UTC");
@@ -57,7 +57,7 @@ print(repr(json.loads(sys.stdin.readline())['name']))")x";
     EXPECT_EQ(sh(dir.path(), make + program() + read), R"x('q"\\\n.txt')x"
                                                        "\n");
     // The compressed size of a zip entry, as Info-ZIP reports it.
-    shell(dir.path(), "seq 1 1000 > n.txt && zip -q n.zip n.txt");
+    sh(dir.path(), "seq 1 1000 > n.txt && zip -q n.zip n.txt");
     const std::string compressed = sh(dir.path(), "unzip -v n.zip | awk 'NR == 4 { print $3 }'");
     EXPECT_NE(tqarchive(dir.path(), "list n.zip -v")
                   .output.find("         3893 " + std::string(13 - compressed.size(), ' ') +
@@ -103,7 +103,7 @@ TEST(Test, DamagedZipEntriesTgzStreamsAndGzFilesAreNamedWithExitStatus1) {
     for (const Damage& damage : cases) {
         SCOPED_TRACE(damage.make);
         TempDir dir;
-        shell(dir.path(), kFlip + damage.make);
+        sh(dir.path(), kFlip + damage.make);
         const auto run = tqarchive(dir.path(), "test " + damage.archive);
         if (damage.damaged.empty()) {
             EXPECT_TRUE(run.status == 0 && run.err.empty() &&

@@ -40,10 +40,10 @@ TEST(RoundTrip, LinksAreFollowedLoopsAndBrokenLinksWarnedNothingPackedTwice) {
     TempDir dir;
     makeSampleTree(dir / "tree");
     // ref: the tree as it unpacks, links followed; tree/docs/up leads back into tree/.
-    shell(dir.path(),
-          "cp -r tree ref && cp -r tree/docs ref/docs-link && cp tree/readme.txt ref/link.txt && "
-          "cd tree && ln -s readme.txt link.txt && ln -s docs docs-link && ln -s .. docs/up && "
-          "ln -s nowhere broken");
+    sh(dir.path(),
+       "cp -r tree ref && cp -r tree/docs ref/docs-link && cp tree/readme.txt ref/link.txt && "
+       "cd tree && ln -s readme.txt link.txt && ln -s docs docs-link && ln -s .. docs/up && "
+       "ln -s nowhere broken");
     // "." under -C packs the contents; docs is also reached through "." and listed twice.
     const auto packed = tqarchive(dir.path(), "zip t.zip . docs docs/résumé.txt -C tree");
     ASSERT_TRUE(packed.status == 0 && reports(packed, "tqarchive:symlinkLoop") &&
@@ -63,20 +63,20 @@ TEST(RoundTrip, GzipBesideOrMirroredUnderTheOutputFolderAndGunzipBack) {
     TempDir dir;
     makeSampleTree(dir / "tree");
     auto expected = snapshot(dir / "tree");
-    expected.erase("empty");                       // gzip has no folders to carry
-    writeFile(dir / "tree/old.gz", "left alone");  // a .gz input is left alone
-    shell(dir.path(), "echo one > notes.txt && echo two > notes.md");  // one stem, two outputs
+    expected.erase("empty");                                        // gzip has no folders to carry
+    writeFile(dir / "tree/old.gz", "left alone");                   // a .gz input is left alone
+    sh(dir.path(), "echo one > notes.txt && echo two > notes.md");  // one stem, two outputs
     const auto beside =
         tqarchive(dir.path(), "gzip tree/readme.txt notes.txt notes.md --log diag.log");
     EXPECT_EQ(beside.output + beside.err, "tree/readme.txt.gz\nnotes.txt.gz\nnotes.md.gz\n");
     EXPECT_NE(readFile(dir / "diag.log").find("] tessel::io::archive::core: Read entry"),
               std::string::npos);
-    shell(dir.path(), "gzip -c tree/*/*/*/more.bin > m.gz");
+    sh(dir.path(), "gzip -c tree/*/*/*/more.bin > m.gz");
     ASSERT_EQ(tqarchive(dir.path(), "gzip tree -d gz -q").status, 0);
     ASSERT_EQ(tqarchive(dir.path(), "gunzip gz m.gz -d back -q").err, "");
     EXPECT_EQ(snapshot(dir / "back/gz/tree"), expected);
-    shell(dir.path(),
-          "cmp back/m tree/*/*/*/more.bin && gzip -dc tree/readme.txt.gz | cmp - tree/readme.txt");
+    sh(dir.path(),
+       "cmp back/m tree/*/*/*/more.bin && gzip -dc tree/readme.txt.gz | cmp - tree/readme.txt");
 }
 
 TEST(RoundTrip, PasswordPromptedTwiceWithoutEchoOrReadFromTheFirstLineOfAFile) {
@@ -86,18 +86,18 @@ TEST(RoundTrip, PasswordPromptedTwiceWithoutEchoOrReadFromTheFirstLineOfAFile) {
     TempDir dir;
     // script runs the program on a terminal and records what it showed in ./shown; each
     // answer is typed once its prompt is there (20 s at most), and a moment later, once echo
-    // is off. Creating asks twice; answers that differ write nothing.
+    // is off. Creating asks twice; answers that differ write nothing (and fail).
     const auto typed = [&](const std::string& first, const std::string& second) {
-        sh(dir.path(),
-           "rm -f shown && (for prompt in 'Password: ' 'Repeat the password: '; do "
-           "for i in $(seq 400); do grep -qs \"$prompt\" shown && break; sleep 0.05; "
-           "done; sleep 0.2; [ \"$prompt\" = 'Password: ' ] && echo " +
-               shellQuote(first) + " || echo " + shellQuote(second) +
-               "; done) | timeout 60 script -qfec " +
-               shellQuote(program() + " zip s.zip s.txt --password") + " shown");
+        runIn(dir.path(),
+              "rm -f shown && (for prompt in 'Password: ' 'Repeat the password: '; do "
+              "for i in $(seq 400); do grep -qs \"$prompt\" shown && break; sleep 0.05; "
+              "done; sleep 0.2; [ \"$prompt\" = 'Password: ' ] && echo " +
+                  shellQuote(first) + " || echo " + shellQuote(second) +
+                  "; done) | timeout 60 script -qfec " +
+                  shellQuote(program() + " zip s.zip s.txt --password") + " shown");
         return readFile(dir / "shown");
     };
-    shell(dir.path(), "echo secret data > s.txt && printf 'two words\\r\\nsecond line\\n' > pw");
+    sh(dir.path(), "echo secret data > s.txt && printf 'two words\\r\\nsecond line\\n' > pw");
     EXPECT_NE(typed("two words", "two wordz").find("[tqarchive:passwordMismatch]"),
               std::string::npos);
     EXPECT_FALSE(fs::exists(dir / "s.zip"));

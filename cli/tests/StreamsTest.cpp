@@ -30,13 +30,13 @@ TEST(Streams, ArchivesWrittenToStandardOutputAndReadFromStandardInput) {
               tqarchive(dir.path(), "list s.zip").output);
     EXPECT_EQ(tqarchive(dir.path(), "test - < s.zip").status, 0);
     if (toolAvailable("unzip")) {
-        shell(dir.path(), "unzip -tq s.zip");
+        sh(dir.path(), "unzip -tq s.zip");
     }
 }
 
 TEST(Streams, GzipAndGunzipToStandardOutputLeaveNoFiles) {
     TempDir dir;
-    shell(dir.path(), "echo one > a.txt && echo two > b.txt");
+    sh(dir.path(), "echo one > a.txt && echo two > b.txt");
     const auto compressed = tqarchive(dir.path(), "gzip -c a.txt b.txt > ab.gz");
     EXPECT_EQ(compressed.output + compressed.err, "");
     EXPECT_EQ(sh(dir.path(), "gzip -dc ab.gz && ls"), "one\ntwo\na.txt\nab.gz\nb.txt\n");
@@ -52,7 +52,8 @@ TEST(Streams, CompressedDataIsNotWrittenToATerminal) {
     writeFile(dir / "a.txt", "text\n");
     for (const std::string args : {"zip - a.txt", "tar - a.txt", "gzip -c a.txt"}) {
         const std::string shown =
-            sh(dir.path(), "script -qec " + shellQuote(program() + " " + args) + " /dev/null");
+            runIn(dir.path(), "script -qec " + shellQuote(program() + " " + args) + " /dev/null")
+                .output;
         EXPECT_NE(shown.find("[tqarchive:terminalOutput]"), std::string::npos) << args << shown;
     }
 }

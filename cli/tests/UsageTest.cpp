@@ -80,7 +80,7 @@ TEST(Usage, RefusedWithExitStatus2AnIdentifierAHintAndNothingWritten) {
 
 TEST(Usage, OptionsGoBeforeOrAfterTheOperandsAndDashDashEndsThem) {
     TempDir dir;
-    shell(dir.path(), "echo one > -q && echo two > b.txt");
+    sh(dir.path(), "echo one > -q && echo two > b.txt");
     // -q before the command, -1 and --log between the operands, "-q" after "--" a file.
     const auto packed = tqarchive(dir.path(), "-v zip -1 a.zip --log log.txt b.txt -- -q");
     EXPECT_EQ(packed.output, "b.txt\n-q\n");
@@ -138,8 +138,8 @@ TEST(Help, EveryCommandDocumentsItsOptionsAndExamplesTheManPageAndCompletionAgre
 
 TEST(Help, BashCompletesCommandsOptionsValuesAndFiles) {
     TempDir dir;
-    shell(dir.path(), "mkdir photos && touch photos.zip && " + program() +
-                          " --generate-completion bash > completion.bash");
+    sh(dir.path(), "mkdir photos && touch photos.zip && " + program() +
+                       " --generate-completion bash > completion.bash");
     const auto complete = [&](const std::string& words) {
         return sh(dir.path(),
                   "bash -c " +

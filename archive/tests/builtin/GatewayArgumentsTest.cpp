@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <iterator>
-#include <tuple>
 
 #include <archive/core/archivecore.hpp>
 
@@ -39,22 +38,36 @@ std::vector<std::u16string> cell(const hxOutput& slot) {
     return slot ? readHostCellStrings(slot.get()) : std::vector<std::u16string>{};
 }
 
+// A gateway and the fewest and most inputs it takes.
+struct InputRange {
+    std::string name;
+    Gateway gateway;
+    int fewest, most;
+};
+
+// Counts of outputs asked for and inputs passed, and the error they raise.
+struct CountRun {
+    int outputs, inputs;
+    std::string mnemonic;
+};
+
 TEST(GatewayCounts, OutputsThenTooManyThenTooFewInputsAllBeforeAnyInputIsRead) {
-    const std::tuple<Gateway, int, int> gateways[] = {{createArchiveBuiltin, 4, 6},
-                                                      {extractArchiveBuiltin, 3, 5},
-                                                      {compressgzBuiltin, 1, 2},
-                                                      {uncompressgzBuiltin, 3, 3}};
-    for (const auto& [gateway, fewest, most] : gateways) {
-        const std::tuple<int, int, std::string> runs[] = {{2, most + 1, "tooManyOutputs"},
-                                                          {1, most + 1, "tooManyInputs"},
-                                                          {0, fewest - 1, "tooFewInputs"}};
+    const InputRange gateways[] = {{"createArchive", createArchiveBuiltin, 4, 6},
+                                   {"extractArchive", extractArchiveBuiltin, 3, 5},
+                                   {"compressgz", compressgzBuiltin, 1, 2},
+                                   {"uncompressgz", uncompressgzBuiltin, 3, 3}};
+    for (const auto& [name, gateway, fewest, most] : gateways) {
+        const CountRun runs[] = {{.outputs = 2, .inputs = most + 1, .mnemonic = "tooManyOutputs"},
+                                 {.outputs = 1, .inputs = most + 1, .mnemonic = "tooManyInputs"},
+                                 {.outputs = 0, .inputs = fewest - 1, .mnemonic = "tooFewInputs"}};
         for (const auto& [nlhs, nrhs, mnemonic] : runs) {
             // Every slot is null: reading one would raise a type error instead.
             Inputs nulls(static_cast<std::size_t>(nrhs) + 1);
             hxOutput slot(text("before"));
             const auto raised = nulls.call(gateway, slot, nlhs, nrhs);
-            EXPECT_EQ(raised ? raised->identifier : "", "TESSEL:host:" + mnemonic) << nrhs;
-            EXPECT_EQ(readHostString(slot.get()), u"before");
+            EXPECT_EQ(raised ? raised->identifier : "", "TESSEL:host:" + mnemonic)
+                << name << " with " << nlhs << " outputs and " << nrhs << " inputs";
+            EXPECT_EQ(readHostString(slot.get()), u"before") << name;
         }
     }
 }
@@ -178,14 +191,26 @@ TEST(ExtractArchiveBuiltin, ProbesThePasswordBeforeWritingThenExtractsAllOrTheLi
     ASSERT_FALSE(six.call(createArchiveBuiltin, slot));
     core::createArchive(u16(dir / "plain.zip"), {u16(a)}, {u"a.txt"}, u"zip");
     const std::string e = "TESSEL:io:archive:extractArchive:";
-    const std::tuple<std::string, Strings, std::string, Strings, std::string> cases[] = {
-        {"enc.zip", {}, "right", {"a.txt", "b.txt"}, ""},
-        {"enc.zip", {"b.txt"}, "right", {"b.txt"}, ""},
-        {"plain.zip", {}, "", {"a.txt"}, ""},  // empty password: probe and extraction without one
-        {"enc.zip", {}, "", {}, e + "unableToWrite"},
-        {"enc.zip", {}, "wrong", {}, e + "incorrectPassword"},
+    // The entries asked for and the password given; the files written and the error raised.
+    struct Case {
+        std::string archive;
+        Strings entries = {};
+        std::string password = "";
+        Strings written = {};
+        std::string raised = "";
+    };
+    const Case cases[] = {
+        {.archive = "enc.zip", .password = "right", .written = {"a.txt", "b.txt"}},
+        {.archive = "enc.zip", .entries = {"b.txt"}, .password = "right", .written = {"b.txt"}},
+        // Empty password: probe and extraction without one.
+        {.archive = "plain.zip", .written = {"a.txt"}},
+        {.archive = "enc.zip", .raised = e + "unableToWrite"},
+        {.archive = "enc.zip", .password = "wrong", .raised = e + "incorrectPassword"},
         // Only the probe can tell: the list matches nothing, so extraction alone would pass.
-        {"enc.zip", {"missing.txt"}, "wrong", {}, e + "incorrectPassword"},
+        {.archive = "enc.zip",
+         .entries = {"missing.txt"},
+         .password = "wrong",
+         .raised = e + "incorrectPassword"},
     };
     for (const auto& [archive, entries, password, written, identifier] : cases) {
         const fs::path out = dir / "out";
@@ -195,7 +220,8 @@ TEST(ExtractArchiveBuiltin, ProbesThePasswordBeforeWritingThenExtractsAllOrTheLi
         Inputs five{text((dir / archive).string()), text(out.string()), text("zip"), list(entries),
                     text(password)};
         const auto raised = five.call(extractArchiveBuiltin, slot);
-        EXPECT_EQ(raised ? raised->identifier : "", identifier) << out;
+        EXPECT_EQ(raised ? raised->identifier : "", identifier)
+            << archive << " with the password '" << password << "'";
         std::vector<std::u16string> expected;
         for (const auto& entry : written) {
             expected.push_back(u16(out / entry));

@@ -17,6 +17,7 @@
 
 #include "../support/LogCapture.hpp"
 #include "../support/TestSupport.hpp"
+#include "../support/Tools.hpp"
 
 namespace tqtest {
 namespace {
@@ -37,13 +38,6 @@ struct Call {
     Strings files, names;
     std::string format, expected, password = "", method = "";
 };
-
-// Runs a shell command line in a folder: what it printed, after "failed: " if it failed.
-std::string sh(const fs::path& dir, const std::string& commandLine) {
-    const auto [status, output] =
-        runCommand("cd " + shellQuote(dir.string()) + " && " + commandLine);
-    return status == 0 ? output : "failed: " + output;
-}
 
 // "ok(names returned)" or the host error's "identifier(arguments)", " +identifier(arguments)"
 // for each warning, " differs" for a gzip output gzip -dc does not turn back into its input,
@@ -100,67 +94,77 @@ std::string lines(const std::vector<Call>& calls, const fs::path& dir, const fs:
 // Runs as root and as nobody: checkReadable looks at the owner-read bit, so an input
 // without it is refused to both.
 TEST(CreateInput, IdentifiedOutcomesAndWhatIsLeft) {
-    const Strings a = {"a.txt"}, aa = {"a.txt", "a.txt"}, aaa = {"a.txt", "a.txt", "a.txt"},
-                  l = {"locked.txt", "ok.txt"}, o = {"one.txt", "ok.txt", "ok.txt"},
-                  p = {"one.txt", "two.bin", "gone"}, s = {"d", "d", "a.txt", "a.txt", "a.txt"},
-                  sn = {"d/", "e//", "f/", "g 日😀", "", "ignored extra name"},
-                  g = {"a/b/r.txt", "x.gz", ".profile", "ü 日😀", "notes", "exact"};
-    const std::string lk = "openEntryError(@/locked.txt) ", la = "openEntryError(@/a.txt) ",
-                      sz = "ok(d/,e//,g 日😀) +", st = "ok(d,e/,g 日😀) +", sl = "[d/,e//,g 日😀]",
+    const Strings aTxt = {"a.txt"}, aTxtTwice = {"a.txt", "a.txt"},
+                  aTxtThrice = {"a.txt", "a.txt", "a.txt"}, lockedThenOk = {"locked.txt", "ok.txt"},
+                  oneThenOkTwice = {"one.txt", "ok.txt", "ok.txt"},
+                  oneTwoGone = {"one.txt", "two.bin", "gone"},
+                  folderTwiceThenFiles = {"d", "d", "a.txt", "a.txt", "a.txt"},
+                  slashedNames = {"d/", "e//", "f/", "g 日😀", "", "ignored extra name"},
+                  oddNames = {"a/b/r.txt", "x.gz", ".profile", "ü 日😀", "notes", "exact"};
+    const std::string lockedRefused = "openEntryError(@/locked.txt) ",
+                      aTxtRefused = "openEntryError(@/a.txt) ", slashesKept = "ok(d/,e//,g 日😀) +",
+                      oneSlashDropped = "ok(d,e/,g 日😀) +", slashedEntries = "[d/,e//,g 日😀]",
                       beside =
                           "ok(@/a/b/r.txt.gz,@/x.gz.gz,@/.profile.gz,@/ü 日😀.gz,@/notes.gz,"
                           "@/exact.gz) .profile.gz a/b/r.txt.gz exact.gz notes.gz[] x.gz.gz "
                           "ü 日😀.gz",
                       in = "ok(@/out/one.txt.gz,@/out/ok.txt.gz,@/out/ok.txt.gz) out/ok.txt.gz "
                            "out/one.txt.gz";
+    // Each row: archive, files, names, format, expected outcome, then password and method.
     const std::vector<Call> calls = {
-        {"", a, a, "zip", "zip:openError()"},
-        {"d", a, a, "tar", "tar:openError(@/d)"},
-        {"no/x.tgz", a, a, "tgz", "tar:openError(@/no/x.tgz)"},
-        {"no/x.zip", a, a, "all", kInternal},
-        {"x.rar", a, a, "all", kInternal},
+        {"", aTxt, aTxt, "zip", "zip:openError()"},
+        {"d", aTxt, aTxt, "tar", "tar:openError(@/d)"},
+        {"no/x.tgz", aTxt, aTxt, "tgz", "tar:openError(@/no/x.tgz)"},
+        {"no/x.zip", aTxt, aTxt, "all", kInternal},
+        {"x.rar", aTxt, aTxt, "all", kInternal},
         {"m.zip", {"missing"}, {"m"}, "zip", kInternal + " m.zip[]"},
         {"m.tar", {"missing"}, {""}, "tar", kInternal + " m.tar[]"},  // even without a name
         {"e.tar", {""}, {"e"}, "tar", kInternal + " e.tar[]"},
         // The raw format takes one regular file; a refused header still returns its name.
         {"r.gz", {"two.bin"}, {"x"}, "gz", "ok(x) r.gz"},
-        {"2.gz", aa, {"a", "b"}, "gz", kInternal + " +createArchive:openEntryError(b) 2.gz"},
+        {"2.gz", aTxtTwice, {"a", "b"}, "gz", kInternal + " +createArchive:openEntryError(b) 2.gz"},
         {"d.gz", {"d"}, {"d"}, "gz", "ok(d) +createArchive:openEntryError(d) d.gz[]"},
         // Name counts, passwords and methods are checked before the archive exists.
-        {"f.zip", aaa, a, "zip", "createArchive:entryNameCountMismatch(3,1)"},
-        {"1.zip", a, a, "zip", "createArchive:emptyPassword()", "", "zipcrypt"},
-        {"2.zip", a, a, "foo", "createArchive:invalidArchiveFormat()", "", "zipcrypt"},
-        {"3.zip", a, a, "zip", "createArchive:invalidEncryptionInLinux()", "pw", "rot13"},
-        {"4.zip", a, a, "all", kInternal, "", "zipcrypt"},
-        {"5.tar", a, a, "tar", kInternal, "pw", "zipcrypt"},
-        {"6.zip", a, a, "all", "ok(a.txt) 6.zip[a.txt]", "pw", "aes128"},
-        {"7.zip", a, a, "foo", "ok(a.txt) 7.zip[a.txt]", "pw", "traditional"},
+        {"f.zip", aTxtThrice, aTxt, "zip", "createArchive:entryNameCountMismatch(3,1)"},
+        {"1.zip", aTxt, aTxt, "zip", "createArchive:emptyPassword()", "", "zipcrypt"},
+        {"2.zip", aTxt, aTxt, "foo", "createArchive:invalidArchiveFormat()", "", "zipcrypt"},
+        {"3.zip", aTxt, aTxt, "zip", "createArchive:invalidEncryptionInLinux()", "pw", "rot13"},
+        {"4.zip", aTxt, aTxt, "all", kInternal, "", "zipcrypt"},
+        {"5.tar", aTxt, aTxt, "tar", kInternal, "pw", "zipcrypt"},
+        {"6.zip", aTxt, aTxt, "all", "ok(a.txt) 6.zip[a.txt]", "pw", "aes128"},
+        {"7.zip", aTxt, aTxt, "foo", "ok(a.txt) 7.zip[a.txt]", "pw", "traditional"},
         // Tar formats drop one trailing slash from the names they return; zip keeps them. A
         // file named like a folder would lose its content: skipped with the family's
         // warning. A folder is one entry: its content is the caller's to list.
-        {"s.zip", s, sn, "zip", sz + "TESSEL:zip:" + la + "s.zip" + sl},
-        {"s.tar", s, sn, "tar", st + "TESSEL:tar:" + la + "s.tar" + sl},
-        {"t.tar", s, sn, "all", sz + "createArchive:" + la + "t.tar" + sl},
+        {"s.zip", folderTwiceThenFiles, slashedNames, "zip",
+         slashesKept + "TESSEL:zip:" + aTxtRefused + "s.zip" + slashedEntries},
+        {"s.tar", folderTwiceThenFiles, slashedNames, "tar",
+         oneSlashDropped + "TESSEL:tar:" + aTxtRefused + "s.tar" + slashedEntries},
+        {"t.tar", folderTwiceThenFiles, slashedNames, "all",
+         slashesKept + "createArchive:" + aTxtRefused + "t.tar" + slashedEntries},
         {"e.zip", {}, {}, "all", "ok() e.zip[]"},
         // An input its owner may not read is skipped with the family's warning...
-        {"l.zip", l, l, "zip", "ok(ok.txt) +TESSEL:zip:" + lk + "l.zip[ok.txt]"},
-        {"l.tar", l, l, "tar", "ok(ok.txt) +TESSEL:tar:" + lk + "l.tar[ok.txt]"},
-        {"l2.zip", l, l, "all", "ok(ok.txt) +createArchive:" + lk + "l2.zip[ok.txt]"},
+        {"l.zip", lockedThenOk, lockedThenOk, "zip",
+         "ok(ok.txt) +TESSEL:zip:" + lockedRefused + "l.zip[ok.txt]"},
+        {"l.tar", lockedThenOk, lockedThenOk, "tar",
+         "ok(ok.txt) +TESSEL:tar:" + lockedRefused + "l.tar[ok.txt]"},
+        {"l2.zip", lockedThenOk, lockedThenOk, "all",
+         "ok(ok.txt) +createArchive:" + lockedRefused + "l2.zip[ok.txt]"},
         // ...and an error for gzip, which removes that input's output only.
-        {"l.gz", l, l, "gz", kInternal + " l.gz[]"},
-        {"", l, {}, "", "gzip:javaOpenError(@/locked.txt)"},
+        {"l.gz", lockedThenOk, lockedThenOk, "gz", kInternal + " l.gz[]"},
+        {"", lockedThenOk, {}, "", "gzip:javaOpenError(@/locked.txt)"},
         {"", {"one.txt", "gone.txt"}, {}, "", "gzip:javaOpenError(@/gone.txt) one.txt.gz"},
         {".", {""}, {}, "", "gzip:javaOpenError()"},
         {"missing", {"one.txt"}, {}, "", "gzip:javaOutputOpenError(@/missing/one.txt.gz)"},
         {"o", {"one.txt"}, {}, "", "gzip:javaOutputOpenError(@/o/one.txt.gz)"},
         // Outputs beside their inputs (nothing is ever removed from a name) or in a folder.
-        {"", g, {}, "", beside},
-        {"out", o, {}, "", in},
+        {"", oddNames, {}, "", beside},
+        {"out", oneThenOkTwice, {}, "", in},
         {"out", {}, {}, "", "ok()"},
         // A failure in the middle of the list keeps the archive with the entries before it.
-        {"p.zip", p, p, "zip", kInternal + " p.zip[one.txt,two.bin]"},
-        {"p.tar", p, p, "tar", kInternal + " p.tar[one.txt,two.bin]"},
-        {"p.tgz", p, p, "tgz", kInternal + " p.tgz[one.txt,two.bin]"},
+        {"p.zip", oneTwoGone, oneTwoGone, "zip", kInternal + " p.zip[one.txt,two.bin]"},
+        {"p.tar", oneTwoGone, oneTwoGone, "tar", kInternal + " p.tar[one.txt,two.bin]"},
+        {"p.tgz", oneTwoGone, oneTwoGone, "tgz", kInternal + " p.tgz[one.txt,two.bin]"},
     };
     for (const bool asNobody : {false, true}) {
         TempDir dir;
@@ -279,34 +283,61 @@ TEST(CreateLog, RecordsOfARelativeArchiveAndOfAFailure) {
 enum Family : unsigned { Zip = 1, Tar = 2, CompressedTar = 4 };
 constexpr const char* kPassword = "pässwörd 1";
 
-// Archive, format, family, encryption method (empty: the overload without a password), and
-// the scheme 7z reports for an encrypted zip's entries.
-const std::tuple<const char*, const char*, Family, std::string, const char*> kKinds[] = {
-    {"a.zip", "zip", Zip, "", ""},
-    {"a.tar", "tar", Tar, "", ""},
-    {"a.tgz", "tgz", CompressedTar, "", ""},
-    {"b.zip", "all", Zip, "", ""},
-    {"b.tar", "all", Tar, "", ""},
-    {"b.tar.gz", "all", CompressedTar, "", ""},
-    {"b.tar.xz", "all", CompressedTar, "", ""},
-    {"zipcrypt.zip", "zip", Zip, "zipcrypt", "ZipCrypto"},
-    {"traditional.zip", "zip", Zip, "traditional", "ZipCrypto"},
-    {"aes128.zip", "zip", Zip, "aes128", "AES-128"},
-    {"aes256.zip", "zip", Zip, "aes256", "AES-256"},
+// An archive createArchive makes.
+struct Kind {
+    const char* archive;
+    const char* format;
+    Family family;
+    std::string method = "";  // encryption; empty: the overload without a password
+    const char* scheme = "";  // what 7z reports for an encrypted zip's entries
+};
+const Kind kKinds[] = {
+    {.archive = "a.zip", .format = "zip", .family = Zip},
+    {.archive = "a.tar", .format = "tar", .family = Tar},
+    {.archive = "a.tgz", .format = "tgz", .family = CompressedTar},
+    {.archive = "b.zip", .format = "all", .family = Zip},
+    {.archive = "b.tar", .format = "all", .family = Tar},
+    {.archive = "b.tar.gz", .format = "all", .family = CompressedTar},
+    {.archive = "b.tar.xz", .format = "all", .family = CompressedTar},
+    {.archive = "zipcrypt.zip",
+     .format = "zip",
+     .family = Zip,
+     .method = "zipcrypt",
+     .scheme = "ZipCrypto"},
+    {.archive = "traditional.zip",
+     .format = "zip",
+     .family = Zip,
+     .method = "traditional",
+     .scheme = "ZipCrypto"},
+    {.archive = "aes128.zip",
+     .format = "zip",
+     .family = Zip,
+     .method = "aes128",
+     .scheme = "AES-128"},
+    {.archive = "aes256.zip",
+     .format = "zip",
+     .family = Zip,
+     .method = "aes256",
+     .scheme = "AES-256"},
 };
 
 // Accented, CJK and emoji names, nested folders, an empty file, a file of exactly one copy
 // chunk, incompressible data and several modes.
-const std::tuple<std::string, std::string, unsigned> kTree[] = {
-    {"docs/", "", 0755},
-    {"docs/héllo wörld.txt", "accents\n", 0644},
-    {"docs/日本語.txt", "CJK\n", 0644},
-    {"docs/emoji😀.bin", randomBytes(70000, 7), 0644},
-    {"docs/sub/", "", 0755},
-    {"docs/sub/exact.bin", randomBytes(16384, 3), 0644},
-    {"empty.txt", "", 0644},
-    {"run.sh", "#!/bin/sh\necho hi\n", 0750},
-    {"private.txt", "secret\n", 0600}};
+struct TreeItem {
+    std::string name;  // a folder's ends in "/"
+    std::string bytes;
+    unsigned mode;
+};
+const TreeItem kTree[] = {
+    {.name = "docs/", .bytes = "", .mode = 0755},
+    {.name = "docs/héllo wörld.txt", .bytes = "accents\n", .mode = 0644},
+    {.name = "docs/日本語.txt", .bytes = "CJK\n", .mode = 0644},
+    {.name = "docs/emoji😀.bin", .bytes = randomBytes(70000, 7), .mode = 0644},
+    {.name = "docs/sub/", .bytes = "", .mode = 0755},
+    {.name = "docs/sub/exact.bin", .bytes = randomBytes(16384, 3), .mode = 0644},
+    {.name = "empty.txt", .bytes = "", .mode = 0644},
+    {.name = "run.sh", .bytes = "#!/bin/sh\necho hi\n", .mode = 0750},
+    {.name = "private.txt", .bytes = "secret\n", .mode = 0600}};
 
 // Shell commands over $A archive, $O output folder, $W password (empty without one), $Z the
 // zipfile script. Every zip reader takes traditional encryption; aes: AES too.

@@ -144,7 +144,7 @@ TEST(MessageClasses, MatchTheCatalogueOneToOne) {
         msg::extractArchive::unableToCreate(s),
         msg::extractArchive::unableToOverwrite(s),
         msg::extractArchive::removeControlM(s),
-        // The additions'.
+        // The option-taking calls'.
         msg::extractArchive::entryOutsideFolder(p, p),
         msg::extractArchive::entryThroughSymlink(p, p),
         msg::extractArchive::linkOutsideFolder(p, p, p),

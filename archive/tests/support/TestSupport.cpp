@@ -42,6 +42,12 @@ TempDir::~TempDir() {
     fs::remove_all(path_, ignored);
 }
 
+std::shared_ptr<void> enter(const fs::path& folder) {
+    const fs::path saved = fs::current_path();
+    fs::current_path(folder);
+    return std::shared_ptr<void>(nullptr, [saved](void*) { fs::current_path(saved); });
+}
+
 std::u16string u16(const fs::path& path) {
     return tessel::host::fromUtf8(path.string());
 }

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -50,6 +51,9 @@ std::string join(const Texts& texts, std::string_view separator) {
     }
     return joined;
 }
+
+// Makes a folder the current one until the returned guard goes.
+std::shared_ptr<void> enter(const fs::path& folder);
 
 void writeFile(const fs::path& path, const std::string& bytes);
 std::string readFile(const fs::path& path);

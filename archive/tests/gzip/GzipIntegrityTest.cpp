@@ -14,9 +14,10 @@
 #include <boost/algorithm/string/join.hpp>
 #include <boost/algorithm/string/replace.hpp>
 
-#include "AdditionsSupport.hpp"
+#include "../support/Outcomes.hpp"
+#include "../support/Tools.hpp"
 
-namespace tqtest::additions {
+namespace tqtest {
 namespace {
 
 void flipBit(const fs::path& file, std::ptrdiff_t at) {
@@ -175,4 +176,4 @@ TEST(GzipIntegrity, GunzipRefusesToWriteOntoItsInput) {
 }
 
 }  // namespace
-}  // namespace tqtest::additions
+}  // namespace tqtest

@@ -7,9 +7,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "AdditionsSupport.hpp"
+#include "../support/Outcomes.hpp"
+#include "../support/Tools.hpp"
 
-namespace tqtest::additions {
+namespace tqtest {
 namespace {
 
 // " owner N" follows when the owner is not the user who extracted.
@@ -127,4 +128,4 @@ TEST(SafeModes, DevicesSetIdBitsOpenModesAndLinksPointingOut) {
 }
 
 }  // namespace
-}  // namespace tqtest::additions
+}  // namespace tqtest

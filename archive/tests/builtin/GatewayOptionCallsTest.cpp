@@ -1,12 +1,14 @@
-// The gateways of the additions: argument counts before anything is read, and cells that
-// hold what listArchive, testArchive and confined extraction give.
+// The gateways of the option-taking calls (listing, testing, confined extraction): argument
+// counts before anything is read, and cells that hold what listArchive, testArchive and
+// confined extraction give.
 #include <gtest/gtest.h>
 
 #include <host/WarningCapture.hpp>
 
-#include "AdditionsSupport.hpp"
+#include "../support/Outcomes.hpp"
+#include "../support/Tools.hpp"
 
-namespace tqtest::additions {
+namespace tqtest {
 namespace {
 
 using namespace tessel::host;
@@ -32,26 +34,40 @@ hxArray* text(const std::string& value) {
     return createHostString(u16(value));
 }
 
-TEST(GatewayAdditions, CountsAreCheckedBeforeAnyInputIsRead) {
-    const std::tuple<Gateway, int, int> gateways[] = {{listArchiveBuiltin, 2, 3},
-                                                      {testArchiveBuiltin, 2, 3},
-                                                      {extractArchiveConfinedBuiltin, 3, 5}};
-    for (const auto& [gateway, fewest, most] : gateways) {
-        const std::tuple<int, int, std::string> runs[] = {{2, most, "tooManyOutputs"},
-                                                          {1, most + 1, "tooManyInputs"},
-                                                          {0, fewest - 1, "tooFewInputs"}};
+// A gateway and the fewest and most inputs it takes.
+struct InputRange {
+    std::string name;
+    Gateway gateway;
+    int fewest, most;
+};
+
+// Counts of outputs asked for and inputs passed, and the error they raise.
+struct CountRun {
+    int outputs, inputs;
+    std::string mnemonic;
+};
+
+TEST(GatewayOptionCalls, CountsAreCheckedBeforeAnyInputIsRead) {
+    const InputRange gateways[] = {{"listArchive", listArchiveBuiltin, 2, 3},
+                                   {"testArchive", testArchiveBuiltin, 2, 3},
+                                   {"extractArchiveConfined", extractArchiveConfinedBuiltin, 3, 5}};
+    for (const auto& [name, gateway, fewest, most] : gateways) {
+        const CountRun runs[] = {{.outputs = 2, .inputs = most, .mnemonic = "tooManyOutputs"},
+                                 {.outputs = 1, .inputs = most + 1, .mnemonic = "tooManyInputs"},
+                                 {.outputs = 0, .inputs = fewest - 1, .mnemonic = "tooFewInputs"}};
         for (const auto& [nlhs, nrhs, mnemonic] : runs) {
             Inputs nulls(std::vector<hxArray*>(static_cast<std::size_t>(most) + 1, nullptr));
             hxOutput slot(text("before"));
             const auto raised = nulls.call(gateway, slot, nlhs, nrhs);
-            EXPECT_EQ(raised ? raised->identifier : "", "TESSEL:host:" + mnemonic) << nrhs;
-            EXPECT_EQ(readHostString(slot.get()), u"before");
+            EXPECT_EQ(raised ? raised->identifier : "", "TESSEL:host:" + mnemonic)
+                << name << " with " << nlhs << " outputs and " << nrhs << " inputs";
+            EXPECT_EQ(readHostString(slot.get()), u"before") << name;
         }
     }
 }
 
 // Each call as "cell texts | warnings | error | what the output folder holds".
-TEST(GatewayAdditions, CellsHoldWhatTheAdditionsGive) {
+TEST(GatewayOptionCalls, CellsHoldWhatTheOptionCallsGive) {
     REQUIRE_TOOLS("python3", "zip", "7z", "bsdtar");
     TempDir dir;
     writeFile(dir / "d/a.bin", randomBytes(30000, 51));
@@ -115,4 +131,4 @@ TEST(GatewayAdditions, CellsHoldWhatTheAdditionsGive) {
 }
 
 }  // namespace
-}  // namespace tqtest::additions
+}  // namespace tqtest

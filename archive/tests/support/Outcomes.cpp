@@ -1,7 +1,6 @@
-#include "AdditionsSupport.hpp"
+#include "Outcomes.hpp"
 
 #include <set>
-#include <stdexcept>
 
 #include <boost/algorithm/string/join.hpp>
 #include <boost/algorithm/string/replace.hpp>
@@ -9,49 +8,14 @@
 #include <host/TextConversion.hpp>
 #include <host/WarningCapture.hpp>
 
-namespace tqtest::additions {
+namespace tqtest {
 
 namespace {
 
-const char* kPythonHelpers = R"(import io, os, sys, tarfile, zipfile, zlib, struct
-def text(n): return n if isinstance(n, str) else n.decode('utf-8', 'surrogateescape')
-def member(name, kind, mode, owner=1234):
-    i = tarfile.TarInfo(text(name)); i.type = kind; i.mode = mode; i.uid = i.gid = owner
-    i.mtime = 981173106; return i
-def reg(name, data=b'', mode=0o644, owner=1234):
-    i = member(name, tarfile.REGTYPE, mode, owner); i.size = len(data); return (i, data)
-def folder(name): return (member(name, tarfile.DIRTYPE, 0o755), None)
-def sym(name, target):
-    i = member(name, tarfile.SYMTYPE, 0o777); i.linkname = text(target); return (i, None)
-def hard(name, target):
-    i = member(name, tarfile.LNKTYPE, 0o644); i.linkname = text(target); return (i, None)
-def node(name, kind, major=0, minor=0, mode=0o666):
-    i = member(name, kind, mode); i.devmajor = major; i.devminor = minor; return (i, None)
-def tar(path, *members):
-    with tarfile.open(path, 'w', format=tarfile.GNU_FORMAT, encoding='utf-8',
-                      errors='surrogateescape') as t:
-        for i, data in members: t.addfile(i, io.BytesIO(data) if data is not None else None)
-)";
+// How a listing shows a file of more than 32 bytes.
+enum class LongFiles { bySizeAndHash, elided };
 
-}  // namespace
-
-std::string sh(const fs::path& dir, const std::string& commandLine) {
-    const auto [status, output] =
-        runCommand("cd " + shellQuote(dir.string()) + " && " + commandLine);
-    if (status != 0) {
-        throw std::runtime_error("command failed: " + commandLine + "\n" + output);
-    }
-    return output;
-}
-
-std::string python(const fs::path& dir, const std::string& code) {
-    writeFile(dir / "make.py", kPythonHelpers + code + "\n");
-    const std::string output = sh(dir, "python3 make.py");
-    fs::remove(dir / "make.py");
-    return output;
-}
-
-std::string listing(const fs::path& folder, const fs::path& skip) {
+std::string listed(const fs::path& folder, const fs::path& skip, LongFiles longFiles) {
     std::set<std::string> items;
     std::error_code absent;
     for (auto it = fs::recursive_directory_iterator(
@@ -74,15 +38,27 @@ std::string listing(const fs::path& folder, const fs::path& skip) {
             for (const char byte : bytes) {
                 hash = (hash ^ static_cast<unsigned char>(byte)) * 16777619u;
             }
-            item += "=" + (bytes.size() <= 32 ? bytes
-                                              : "[" + std::to_string(bytes.size()) + ":" +
-                                                    std::to_string(hash % 100000) + "]");
+            item +=
+                "=" + (bytes.size() <= 32               ? bytes
+                       : longFiles == LongFiles::elided ? "..."
+                                                        : "[" + std::to_string(bytes.size()) + ":" +
+                                                              std::to_string(hash % 100000) + "]");
         } else {
             item += "(special)";
         }
         items.insert(item);
     }
     return boost::algorithm::join(items, " ");
+}
+
+}  // namespace
+
+std::string listing(const fs::path& folder, const fs::path& skip) {
+    return listed(folder, skip, LongFiles::bySizeAndHash);
+}
+
+std::string shortListing(const fs::path& folder) {
+    return listed(folder, {}, LongFiles::elided);
 }
 
 std::string shown(std::string text, const fs::path& base) {
@@ -144,16 +120,4 @@ std::string tested(const fs::path& archive, const std::u16string& format, const 
                  base);
 }
 
-std::string rejectedPassword(const fs::path& dir, const std::string& archive) {
-    return sh(dir, "for i in $(seq 999); do bsdtar -xOf " + archive +
-                       " --passphrase w$i 2>&1 >/dev/null | grep -q 'Incorrect passphrase' && "
-                       "echo -n w$i && break; done");
-}
-
-std::shared_ptr<void> enter(const fs::path& folder) {
-    const fs::path saved = fs::current_path();
-    fs::current_path(folder);
-    return std::shared_ptr<void>(nullptr, [saved](void*) { fs::current_path(saved); });
-}
-
-}  // namespace tqtest::additions
+}  // namespace tqtest

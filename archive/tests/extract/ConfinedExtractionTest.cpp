@@ -7,9 +7,10 @@
 
 #include <boost/algorithm/string/replace.hpp>
 
-#include "AdditionsSupport.hpp"
+#include "../support/Outcomes.hpp"
+#include "../support/Tools.hpp"
 
-namespace tqtest::additions {
+namespace tqtest {
 namespace {
 
 // A scratch root: archives in arc/, the output folder a/out beside a/elsewhere/ and
@@ -254,4 +255,4 @@ TEST(HardLinks, ExtractWholeIntoAnyFolder) {
 }
 
 }  // namespace
-}  // namespace tqtest::additions
+}  // namespace tqtest

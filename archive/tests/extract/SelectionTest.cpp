@@ -4,9 +4,10 @@
 #include <boost/algorithm/string/join.hpp>
 #include <boost/algorithm/string/replace.hpp>
 
-#include "AdditionsSupport.hpp"
+#include "../support/Outcomes.hpp"
+#include "../support/Tools.hpp"
 
-namespace tqtest::additions {
+namespace tqtest {
 namespace {
 
 struct Selection {
@@ -80,4 +81,4 @@ TEST(KeepExisting, WarnsForEachFileKeptAndLeavesItsBytes) {
 }
 
 }  // namespace
-}  // namespace tqtest::additions
+}  // namespace tqtest

@@ -5,9 +5,10 @@
 
 #include <cstdio>
 
-#include "AdditionsSupport.hpp"
+#include "../support/Outcomes.hpp"
+#include "../support/Tools.hpp"
 
-namespace tqtest::additions {
+namespace tqtest {
 namespace {
 
 using namespace std::string_literals;
@@ -123,8 +124,8 @@ TEST(Names, PathTextsWithNulOrLoneSurrogatesAreRefused) {
     const std::u16string nul = u"\0"s, high = u"\xD800", highLast = u"\xDBFF", low = u"\xDC00";
     const std::u16string in = u16(d / "in.txt"), zip = u16(dir / "a.zip"),
                          gz = u16(dir / "in.txt.gz");
-    const std::string n = "!TESSEL:host:pathHasNulCharacter(",
-                      s = "!TESSEL:host:pathHasLoneSurrogate(";
+    const std::string nulRefused = "!TESSEL:host:pathHasNulCharacter(",
+                      surrogateRefused = "!TESSEL:host:pathHasLoneSurrogate(";
     const auto create = [](std::u16string archive, std::u16string file, std::u16string name) {
         return [=] { return core::createArchive(archive, {file}, {name}, u"zip"); };
     };
@@ -139,20 +140,24 @@ TEST(Names, PathTextsWithNulOrLoneSurrogatesAreRefused) {
     };
     const std::vector<std::pair<std::function<Paths()>, std::string>> cases = {
         {create(u16(d / "keep.txt") + nul + u".zip", in, u"in.txt"),
-         n + "archivePath;~/d/keep.txt\\000.zip)"},
+         nulRefused + "archivePath;~/d/keep.txt\\000.zip)"},
         {create(u16(d / "keep") + high + u"X.zip", in, u"in.txt"),
-         s + "archivePath;~/d/keep\\uD800X.zip)"},
-        {create(u16(d / "new.zip"), in + nul + u"x", u"in.txt"), n + "files[0];~/d/in.txt\\000x)"},
-        {create(u16(d / "new.zip"), in, u"in" + low + u".txt"), s + "entryNames[0];in\\uDC00.txt)"},
-        {extract(zip + nul + u"x", u16(d)), n + "archivePath;~/a.zip\\000x)"},
-        {extract(zip, u16(d / "o") + highLast + u"ut"), s + "outputFolder;~/d/o\\uDBFFut)"},
-        {gzip({in + nul + u"x"}, u""), n + "files[0];~/d/in.txt\\000x)"},
+         surrogateRefused + "archivePath;~/d/keep\\uD800X.zip)"},
+        {create(u16(d / "new.zip"), in + nul + u"x", u"in.txt"),
+         nulRefused + "files[0];~/d/in.txt\\000x)"},
+        {create(u16(d / "new.zip"), in, u"in" + low + u".txt"),
+         surrogateRefused + "entryNames[0];in\\uDC00.txt)"},
+        {extract(zip + nul + u"x", u16(d)), nulRefused + "archivePath;~/a.zip\\000x)"},
+        {extract(zip, u16(d / "o") + highLast + u"ut"),
+         surrogateRefused + "outputFolder;~/d/o\\uDBFFut)"},
+        {gzip({in + nul + u"x"}, u""), nulRefused + "files[0];~/d/in.txt\\000x)"},
         // Before anything is written: not even the first of a list.
-        {gzip({u16(d / "keep.txt"), in + nul}, u""), n + "files[1];~/d/in.txt\\000)"},
-        {gzip({in}, u16(d) + high), s + "outputFolder;~/d\\uD800)"},
+        {gzip({u16(d / "keep.txt"), in + nul}, u""), nulRefused + "files[1];~/d/in.txt\\000)"},
+        {gzip({in}, u16(d) + high), surrogateRefused + "outputFolder;~/d\\uD800)"},
         {gunzip({u16(d / "keep.txt") + nul + u".gz"}, u"", false),
-         n + "files[0];~/d/keep.txt\\000.gz)"},
-        {gunzip({gz}, u16(d / "in.txt") + nul + u"x", true), n + "outputFolder;~/d/in.txt\\000x)"},
+         nulRefused + "files[0];~/d/keep.txt\\000.gz)"},
+        {gunzip({gz}, u16(d / "in.txt") + nul + u"x", true),
+         nulRefused + "outputFolder;~/d/in.txt\\000x)"},
     };
     for (const auto& [call, expected] : cases) {
         EXPECT_EQ(outcome(call, dir.path()), expected);
@@ -161,4 +166,4 @@ TEST(Names, PathTextsWithNulOrLoneSurrogatesAreRefused) {
 }
 
 }  // namespace
-}  // namespace tqtest::additions
+}  // namespace tqtest

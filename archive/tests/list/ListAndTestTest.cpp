@@ -2,9 +2,10 @@
 // Info-ZIP and GNU tar made; testArchive on sound, damaged, truncated and encrypted ones.
 #include <gtest/gtest.h>
 
-#include "AdditionsSupport.hpp"
+#include "../support/Outcomes.hpp"
+#include "../support/Tools.hpp"
 
-namespace tqtest::additions {
+namespace tqtest {
 namespace {
 
 std::string typeName(core::EntryType type) {
@@ -120,4 +121,4 @@ TEST(TestArchive, ReportsDamagePerEntryAndRaisesWhatCannotBeRead) {
 }
 
 }  // namespace
-}  // namespace tqtest::additions
+}  // namespace tqtest

@@ -11,9 +11,10 @@
 #include <boost/algorithm/string/join.hpp>
 #include <boost/algorithm/string/replace.hpp>
 
-#include "AdditionsSupport.hpp"
+#include "../support/Outcomes.hpp"
+#include "../support/Tools.hpp"
 
-namespace tqtest::additions {
+namespace tqtest {
 namespace {
 
 // Written by the library, read back by the library and by bsdtar (gzip for .gz).
@@ -58,11 +59,19 @@ TEST(ZipNames, TheLongestNameIsStoredLongerOnesAreRefused) {
     core::CreateOptions skip;
     skip.skipRefusedEntries = true;
     const std::string refused = "?createArchive:openEntryError(N)";
-    // Length, the outcomes of createArchive and of leaving refused entries out ("N": the name).
-    const std::vector<std::tuple<std::size_t, std::string, std::string>> cases = {
-        {65535, "N", "N after.txt"},
-        {65536, refused + " !extractArchive:internalError", "after.txt " + refused},
-        {65537, refused + " !extractArchive:internalError", "after.txt " + refused},
+    // The outcomes of createArchive and of leaving refused entries out ("N": the name).
+    struct NameLength {
+        std::size_t length;
+        std::string created, skippingRefused;
+    };
+    const std::vector<NameLength> cases = {
+        {.length = 65535, .created = "N", .skippingRefused = "N after.txt"},
+        {.length = 65536,
+         .created = refused + " !extractArchive:internalError",
+         .skippingRefused = "after.txt " + refused},
+        {.length = 65537,
+         .created = refused + " !extractArchive:internalError",
+         .skippingRefused = "after.txt " + refused},
     };
     std::string zips;
     for (const auto& [length, plain, skipping] : cases) {
@@ -325,4 +334,4 @@ TEST(ArchiveTypeFromName, ExtensionsWithoutRegardToCase) {
 }
 
 }  // namespace
-}  // namespace tqtest::additions
+}  // namespace tqtest
