@@ -250,7 +250,7 @@ TEST(CommandTable, UnsafePathsKeepsSafeWritesAndTheCleanupAfterAFailure) {
     writeFile(dir / "in/new.txt", "new\n");
     writeFile(dir / "in/old.txt", randomBytes(1000000));
     ASSERT_EQ(tqarchive(dir.path(), "tar full.tar new.txt old.txt -C in -q").status, 0);
-    shell(dir.path(), "head -c 600000 full.tar > cut.tar && rm -r in full.tar");
+    sh(dir.path(), "head -c 600000 full.tar > cut.tar && rm -r in full.tar");
     for (const Failure& row : rows) {
         SCOPED_TRACE(row.option);
         writeFile(dir / "out/old.txt", "old\n");

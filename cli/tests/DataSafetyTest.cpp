@@ -42,9 +42,9 @@ TEST(DataSafety, GzipAndGunzipOfAFolderNeverWriteThroughALinkInside) {
         fs::create_directories(work / "folder");
         fs::create_directories(work / "elsewhere");
         writeFile(work / "elsewhere/data.txt", "outside\n");
-        shell(work.path(), "gzip -c elsewhere/data.txt > elsewhere/report.gz");
+        sh(work.path(), "gzip -c elsewhere/data.txt > elsewhere/report.gz");
         writeFile(work / "folder/own.txt", "inside\n");
-        shell(work.path(), "gzip -k folder/own.txt");
+        sh(work.path(), "gzip -k folder/own.txt");
         if (row.name == "gzip") {
             fs::remove(work / "folder/own.txt.gz");
         } else {
@@ -120,7 +120,7 @@ TEST(DataSafety, WrittenFilesNeverWidenAMode) {
     for (const ModeCase& row : cases) {
         SCOPED_TRACE(row.name);
         TempDir work;
-        shell(work.path(), row.setup);
+        sh(work.path(), row.setup);
         const CliResult result = tqarchive(work.path(), row.command, "umask 022 &&");
         ASSERT_EQ(result.status, 0) << result.err;
         EXPECT_EQ(permissions(work / row.output), row.mode);
@@ -129,7 +129,7 @@ TEST(DataSafety, WrittenFilesNeverWidenAMode) {
 
 TEST(DataSafety, GzipAndGunzipKeepTheInputsModificationTime) {
     TempDir work;
-    shell(work.path(), "echo old > old.txt && touch -d '2001-02-03 04:05:06' old.txt");
+    sh(work.path(), "echo old > old.txt && touch -d '2001-02-03 04:05:06' old.txt");
     ASSERT_EQ(tqarchive(work.path(), "gzip old.txt").status, 0);
     EXPECT_EQ(fs::last_write_time(work / "old.txt.gz"), fs::last_write_time(work / "old.txt"));
     fs::remove(work / "old.txt");
@@ -179,7 +179,7 @@ TEST(DataSafety, AStandardOutputThatCannotTakeTheOutputFailsTheRun) {
     TempDir work;
     writeFile(work / "a.txt", "hello\n");
     writeFile(work / "big.bin", randomBytes(1 << 20));
-    shell(work.path(), "tar cf t.tar a.txt && gzip -k a.txt");
+    sh(work.path(), "tar cf t.tar a.txt && gzip -k a.txt");
     for (const StandardOutputCase& row : cases) {
         SCOPED_TRACE(row.name);
         const CliResult result = tqarchive(work.path(), row.command);
