@@ -56,7 +56,7 @@ long long run(const std::string& mode, int argc, char** argv) {
         return static_cast<long long>(
             core::extractArchive(u16(argv[3]), u16(argv[4]), u16(argv[2]), u"").size());
     }
-    // The additions as the command-line tool uses them: confined with every safe mode, or
+    // The calls with options as the command-line tool uses them: confined with every safe mode, or
     // with --unsafe-paths (confinement and safe modes off, cleanup and safe writes on).
     // extract-direct: confined, but existing files replaced in place (no safe writes).
     if ((mode == "extract-safe" || mode == "extract-unsafe" || mode == "extract-direct") &&
