@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <charconv>
 #include <variant>
 
 #include "CliMessages.hpp"
@@ -35,35 +36,51 @@ struct Overloaded : Handlers... {
 // Defines the option in the app, filling the field its row names.
 void addOption(CLI::App& app, OptionId id, CommandLine& result, std::string& levelText) {
     const Option& option = CommandTable::option(id);
-    std::visit(Overloaded{
-                   [&](bool CommandLine::*flag) {
-                       app.add_flag(option.names, result.*flag)->disable_flag_override();
-                   },
-                   [&](std::optional<std::string> CommandLine::*value) {
-                       CLI::Option* added = app.add_option(option.names, result.*value);
-                       if (option.valueOptional) {
-                           added->expected(0, 1)->default_str(kPromptMarker);
-                       }
-                   },
-                   [&](std::vector<std::string> CommandLine::*values) {
-                       app.add_option(option.names, result.*values)->allow_extra_args(false);
-                   },
-                   [&](int CommandLine::*) {
-                       // The digit is checked once the line is read (checkCombinations). The last
-                       // of -0 ... -9 and --level given wins, so each sets it when parsed.
-                       if (option.digitShorthands) {
-                           for (char digit = '0'; digit <= '9'; ++digit) {
-                               app.add_flag_callback(
-                                      std::string("-") + digit,
-                                      [&levelText, digit] { levelText = std::string(1, digit); })
-                                   ->trigger_on_parse()
-                                   ->disable_flag_override();
+    std::visit(
+        Overloaded{
+            [&](bool CommandLine::*flag) {
+                app.add_flag(option.names, result.*flag)->disable_flag_override();
+            },
+            [&](std::optional<std::string> CommandLine::*value) {
+                CLI::Option* added = app.add_option(option.names, result.*value);
+                if (option.valueOptional) {
+                    added->expected(0, 1)->default_str(kPromptMarker);
+                }
+            },
+            [&](std::vector<std::string> CommandLine::*values) {
+                app.add_option(option.names, result.*values)->allow_extra_args(false);
+            },
+            [&](int CommandLine::*) {
+                // The digit is checked once the line is read (checkCombinations). The last
+                // of -0 ... -9 and --level given wins, so each sets it when parsed.
+                if (option.digitShorthands) {
+                    for (char digit = '0'; digit <= '9'; ++digit) {
+                        app.add_flag_callback(
+                               std::string("-") + digit,
+                               [&levelText, digit] { levelText = std::string(1, digit); })
+                            ->trigger_on_parse()
+                            ->disable_flag_override();
+                    }
+                }
+                app.add_option(option.names, levelText)->trigger_on_parse();
+            },
+            [&](std::optional<unsigned> CommandLine::*count) {
+                app.add_option_function<std::string>(
+                       option.names,
+                       [&result, &option, count](const std::string& text) {
+                           unsigned value = 0;
+                           const char* end = text.data() + text.size();
+                           const auto [stop, error] = std::from_chars(text.data(), end, value);
+                           if (error != std::errc() || stop != end) {
+                               raiseUsageError("invalidNumber",
+                                               {CommandTable::spellings(option).back(), text});
                            }
-                       }
-                       app.add_option(option.names, levelText)->trigger_on_parse();
-                   },
-               },
-               option.target);
+                           result.*count = value;
+                       })
+                    ->trigger_on_parse();
+            },
+        },
+        option.target);
 }
 
 // The option part of an argument as typed: "--name" of "--name=value", "-x" of "-xvalue".

@@ -13,9 +13,11 @@ namespace tqarchive {
 enum class ValueKind { None, File, Folder, Choice };
 
 // The field of CommandLine an option fills: a flag sets a bool, an option with a value
-// stores it (a repeated one appends it), the level takes its digit.
+// stores it (a repeated one appends it), the level takes its digit, a count takes a whole
+// number of zero or more.
 using OptionTarget = std::variant<bool CommandLine::*, std::optional<std::string> CommandLine::*,
-                                  std::vector<std::string> CommandLine::*, int CommandLine::*>;
+                                  std::vector<std::string> CommandLine::*, int CommandLine::*,
+                                  std::optional<unsigned> CommandLine::*>;
 
 // One option of the program, as the parser, --help, the man page and the bash completion
 // all take it.
