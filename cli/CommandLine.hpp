@@ -20,6 +20,7 @@ enum class OptionId {
     Format,
     Stdout,
     KeepExisting,
+    StripComponents,
     PreservePermissions,
     UnsafePaths,
     Json,
@@ -47,6 +48,7 @@ struct CommandLine {
     std::optional<std::string> format;        // --format
     bool toStdout = false;                    // -c
     bool keepExisting = false;
+    std::optional<unsigned> stripComponents;
     bool preservePermissions = false;
     bool unsafePaths = false;
     bool json = false;

@@ -83,6 +83,13 @@ const std::vector<Option> kOptions = {
          "Leave files that already exist alone (a warning each). Without it, existing files are "
          "replaced.",
      .target = &CommandLine::keepExisting},
+    {.id = OptionId::StripComponents,
+     .names = "--strip-components",
+     .value = "N",
+     .help = "Drop the first N folders of every entry's name (and hard-link target), as tar "
+             "does: with 1, project-1.2/src/a.c is written as OUTDIR/src/a.c. Entries with no "
+             "more than N components are not written. ENTRY names still match as stored.",
+     .target = &CommandLine::stripComponents},
     {.id = OptionId::PreservePermissions,
      .names = "-p,--preserve-permissions",
      .help = "Keep set-user-ID, set-group-ID and sticky bits and group and other write permission, "
@@ -218,6 +225,7 @@ const std::vector<Command> kCommands = {
           kSelection, kReplace, kSafety},
      .options = {{OptionId::Output, ""},
                  {OptionId::KeepExisting, ""},
+                 {OptionId::StripComponents, ""},
                  {OptionId::Password, ""},
                  {OptionId::PasswordFile, ""},
                  {OptionId::PreservePermissions, ""},
@@ -239,6 +247,7 @@ const std::vector<Command> kCommands = {
           kSelection, kReplace, kSafety},
      .options = {{OptionId::Output, ""},
                  {OptionId::KeepExisting, ""},
+                 {OptionId::StripComponents, ""},
                  {OptionId::PreservePermissions, ""},
                  {OptionId::UnsafePaths, ""}},
      .examples = {{"untar backup.tgz -d restore", ""},

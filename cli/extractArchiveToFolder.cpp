@@ -31,6 +31,7 @@ core::ExtractOptions extractOptions(const CommandLine& commandLine) {
         options.restrictPermissions = false;
     }
     options.keepExisting = commandLine.keepExisting;
+    options.stripComponents = commandLine.stripComponents.value_or(0);
     options.gzipCheck = BackgroundStreamCheck::factory();
     for (auto entry = commandLine.operands.begin() + 1; entry != commandLine.operands.end();
          ++entry) {

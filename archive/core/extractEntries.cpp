@@ -102,7 +102,9 @@ std::vector<std::u16string> extractEntries(const std::u16string& archivePath,
             }
             currentEntry = std::move(storedName);
             report(true);
-            setEntryOutputPath(entry, writer->outputFolder());
+            if (!setEntryOutputPath(entry, writer->outputFolder(), options.stripComponents)) {
+                continue;  // nothing of its name is left to place
+            }
             if (!safety.review(entry, currentEntry)) {
                 archive_entry_clear(entry);
                 continue;

@@ -1,6 +1,8 @@
 #include <archive/core/setEntryOutputPath.hpp>
 
+#include <algorithm>
 #include <stdexcept>
+#include <string_view>
 
 #include <archive/core/error/StatusChecks.hpp>
 #include <archive/core/log/LogLevel.hpp>
@@ -33,14 +35,46 @@ void placeHardlinkTarget(::archive_entry* entry, const tessel::host::HostPath& f
     }
 }
 
+// The name without its first count components; empty when it has no more than that.
+std::string withoutLeadingComponents(std::string_view name, unsigned count) {
+    std::size_t start = 0;
+    while (start < name.size()) {
+        const std::size_t end = std::min(name.find('/', start), name.size());
+        const std::string_view component = name.substr(start, end - start);
+        if (!component.empty() && component != ".") {
+            if (count == 0) {
+                return std::string(name.substr(start));
+            }
+            --count;
+        }
+        start = end + 1;
+    }
+    return std::string();
+}
+
 }  // namespace
 
-void setEntryOutputPath(::archive_entry* entry, const std::u16string& outputFolder) {
+bool setEntryOutputPath(::archive_entry* entry, const std::u16string& outputFolder,
+                        unsigned stripComponents) {
     const char* pathname = archive_entry_pathname(entry);
     if (pathname == nullptr) {
         throw std::logic_error("basic_string: construction from null is not valid");
     }
     std::string name(pathname);
+    if (stripComponents > 0) {
+        name = withoutLeadingComponents(name, stripComponents);
+        const char* target = archive_entry_hardlink(entry);
+        const std::string strippedTarget = target != nullptr && *target != '\0'
+                                               ? withoutLeadingComponents(target, stripComponents)
+                                               : std::string("-");
+        if (name.empty() || strippedTarget.empty()) {
+            return false;
+        }
+        archive_entry_set_pathname(entry, name.c_str());
+        if (target != nullptr && *target != '\0') {
+            archive_entry_set_hardlink(entry, strippedTarget.c_str());
+        }
+    }
     if (name.empty()) {
         throwInternalError(NullArchiveRule::EmptyEntryFilename);
     }
@@ -68,6 +102,7 @@ void setEntryOutputPath(::archive_entry* entry, const std::u16string& outputFold
         archive_entry_set_pathname(entry, name.c_str());
     }
     placeHardlinkTarget(entry, folder, underFolder);
+    return true;
 }
 
 }  // namespace tessel::io::archive::core

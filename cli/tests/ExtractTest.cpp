@@ -75,6 +75,29 @@ TEST(Extract, ExistingFilesAreReplacedUnlessKeepExistingIsGiven) {
     EXPECT_EQ(filesUnder(dir / "out"), "a.txt:new\nb.txt:new\n");
 }
 
+TEST(Extract, StripComponentsDropsLeadingFoldersAndTakesOnlyAWholeNumber) {
+    TempDir dir;
+    sh(dir.path(),
+       "mkdir -p project-1.2/src && echo c > project-1.2/src/a.c && tar czf p.tgz project-1.2 "
+       "&& zip -q -r p.zip project-1.2");
+    for (const std::string archive : {"untar p.tgz", "unzip p.zip"}) {
+        SCOPED_TRACE(archive);
+        const auto result = tqarchive(dir.path(), archive + " -q -d out --strip-components 1");
+        EXPECT_EQ(result.status, 0) << result.err;
+        EXPECT_EQ(filesUnder(dir / "out"), "src/a.c:c\n");
+        fs::remove_all(dir / "out");
+    }
+    for (const std::string value : {"x", "-1", "1.5", ""}) {
+        SCOPED_TRACE(value);
+        const auto refused =
+            tqarchive(dir.path(), "untar p.tgz --strip-components='" + value + "'");
+        EXPECT_EQ(refused.status, 2) << refused.err;
+        EXPECT_TRUE(reports(refused, "tqarchive:usage:invalidNumber") ||
+                    (value.empty() && reports(refused, "tqarchive:usage:missingValue")))
+            << refused.err;
+    }
+}
+
 namespace {
 
 struct Mode {

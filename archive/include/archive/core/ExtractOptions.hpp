@@ -22,6 +22,11 @@ struct ExtractOptions {
     // without its "/" (everything beneath it), or a shell wildcard ("*", "?", "[...]";
     // "*" also matches "/"). Patterns that select nothing are reported in the result.
     std::vector<std::u16string> select;
+    // Drop this many leading folders from each entry's name (and hard-link target) before
+    // it is placed, as tar's --strip-components does: "project-1.2/src/a.c" with 1 becomes
+    // "src/a.c". An entry with no more components than that is not extracted. Selection
+    // still matches the names as stored.
+    unsigned stripComponents = 0;
 
     // Refuse, as it is reached, an entry whose name or hard-link target would land
     // outside the output folder or that would be written through a symbolic link (one on
