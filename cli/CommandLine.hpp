@@ -20,6 +20,7 @@ enum class OptionId {
     Format,
     Stdout,
     KeepExisting,
+    KeepOutwardLinks,
     PreservePermissions,
     UnsafePaths,
     Json,
@@ -47,6 +48,7 @@ struct CommandLine {
     std::optional<std::string> format;        // --format
     bool toStdout = false;                    // -c
     bool keepExisting = false;
+    bool keepOutwardLinks = false;
     bool preservePermissions = false;
     bool unsafePaths = false;
     bool json = false;

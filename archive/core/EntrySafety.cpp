@@ -137,7 +137,11 @@ bool EntrySafety::linkStaysInside(const std::string& linkPath, const std::string
 bool EntrySafety::resolvesInside(const std::string& linkPath, const std::string& target) const {
     namespace fs = std::filesystem;
     std::error_code error;
-    const fs::path from = fs::absolute(fs::path(linkPath).parent_path(), error);
+    const fs::path folder = fs::path(linkPath).parent_path();
+    const fs::path from = fs::absolute(folder.empty() ? "." : folder, error);
+    if (error) {
+        return false;
+    }
     const fs::path reached = fs::weakly_canonical(from / target, error);
     if (error) {
         return false;

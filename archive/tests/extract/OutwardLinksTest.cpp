@@ -134,5 +134,28 @@ TEST(OutwardLinks, SkippedWithAWarningKeptOrRefusedAsChosenAndJudgedWhereTheyLan
     }
 }
 
+// A pax hard link may carry data; one naming a symbolic link has nowhere to put it, and the
+// failure names the hard link it was writing.
+TEST(OutwardLinks, AHardLinkWhoseDataCannotBeWrittenNamesItself) {
+    REQUIRE_TOOLS("python3");
+    TempDir dir;
+    python(dir.path(), R"(
+import io
+t = tarfile.open('data.tar', 'w', format=tarfile.PAX_FORMAT)
+i = tarfile.TarInfo('l'); i.type = tarfile.SYMTYPE; i.linkname = 'x.txt'; t.addfile(i)
+i = tarfile.TarInfo('h'); i.type = tarfile.LNKTYPE; i.linkname = 'l'; i.size = 4
+i.pax_headers = {'size': '4'}; t.addfile(i, io.BytesIO(b'data'))
+t.close()
+)");
+    const std::string said = outcome(
+        [&] {
+            return core::extractArchiveWithOptions(u16(dir / "data.tar"), u16(dir / "out"), u"tar",
+                                                   core::ExtractOptions::safe())
+                .written;
+        },
+        dir.path());
+    EXPECT_EQ(said, "!extractArchive:writeError(~/out/h)");
+}
+
 }  // namespace
 }  // namespace tqtest
