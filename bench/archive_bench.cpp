@@ -63,8 +63,8 @@ long long run(const std::string& mode, int argc, char** argv) {
         argc == 5) {
         core::ExtractOptions options = core::ExtractOptions::safe();
         if (mode == "extract-unsafe") {
-            options.confine = options.skipSpecialFiles = options.restrictPermissions =
-                options.refuseOutwardLinks = false;
+            options.confine = options.skipSpecialFiles = options.restrictPermissions = false;
+            options.outwardLinks = core::OutwardLinks::Keep;
         }
         options.safeWrites = mode != "extract-direct";
         return static_cast<long long>(

@@ -21,6 +21,7 @@ enum class OptionId {
     Stdout,
     KeepExisting,
     StripComponents,
+    KeepOutwardLinks,
     PreservePermissions,
     UnsafePaths,
     Json,
@@ -49,6 +50,7 @@ struct CommandLine {
     bool toStdout = false;                    // -c
     bool keepExisting = false;
     std::optional<unsigned> stripComponents;
+    bool keepOutwardLinks = false;
     bool preservePermissions = false;
     bool unsafePaths = false;
     bool json = false;

@@ -90,6 +90,13 @@ const std::vector<Option> kOptions = {
              "does: with 1, project-1.2/src/a.c is written as OUTDIR/src/a.c. Entries with no "
              "more than N components are not written. ENTRY names still match as stored.",
      .target = &CommandLine::stripComponents},
+    {.id = OptionId::KeepOutwardLinks,
+     .names = "--keep-outward-links",
+     .help = "Restore symbolic links that point outside OUTDIR (cfg -> /etc/hostname, up -> "
+             "../..) as stored, as restoring your own backup wants; without it each is skipped "
+             "with a warning. Nothing is ever written through them. Risk: a program that later "
+             "follows such a link from someone else's archive reads or writes outside OUTDIR.",
+     .target = &CommandLine::keepOutwardLinks},
     {.id = OptionId::PreservePermissions,
      .names = "-p,--preserve-permissions",
      .help = "Keep set-user-ID, set-group-ID and sticky bits and group and other write permission, "
@@ -137,19 +144,27 @@ const std::vector<Option> kOptions = {
 const std::string kSafety =
     "Extraction is safe by default. An entry whose name or hard link would land outside OUTDIR "
     "(a \"..\" component, a link climbing out), or that would be written through a symbolic "
-    "link, and a symbolic link pointing outside OUTDIR are refused as they are reached, and "
-    "the run fails. Device files and FIFOs are skipped with a warning; set-user-ID, "
-    "set-group-ID and sticky bits and group and other write permission are cleared; "
-    "ownership is never changed. Absolute names are placed under OUTDIR (/etc/x becomes "
-    "OUTDIR/etc/x). Files are written through a temporary file and renamed into place. When "
-    "a run fails for any reason (a refused entry, a wrong password, damaged data, a full "
-    "disk, Ctrl-C), everything it created is removed; files it replaced stay replaced.";
+    "link, is refused as it is reached, and the run fails. A symbolic link that would point "
+    "outside OUTDIR from where it lands (a hard link to a symbolic link included) is skipped "
+    "with a warning, unless --keep-outward-links is given. Device files and FIFOs are skipped "
+    "with a warning; set-user-ID, set-group-ID and sticky bits and group and other write "
+    "permission are cleared; ownership is never changed. Absolute names are placed under "
+    "OUTDIR (/etc/x becomes OUTDIR/etc/x). Files are written through a temporary file and "
+    "renamed into place. When a run fails for any reason (a refused entry, a wrong password, "
+    "damaged data, a full disk, Ctrl-C), everything it created is removed; files it replaced "
+    "stay replaced.";
 
 const std::string kSelection =
     "ENTRY selects what to extract: a name as stored, a folder with or without its \"/\" "
     "(everything beneath it), or a shell pattern (*, ?, [...]; * also matches \"/\"). Each "
     "ENTRY that matches nothing is reported after the rest is extracted, and the exit status "
     "is then 1.";
+
+const std::string kLeftOut =
+    "An entry skipped for safety or that cannot be written (a folder you may not write, a "
+    "name too long for the file system) is reported with a warning and the rest is "
+    "extracted; a last line then says how many entries were not extracted, and the exit "
+    "status is 1. Files kept by -k do not count.";
 
 const std::string kReplace =
     "Existing files are replaced, each only once its new content is complete; give -k to "
@@ -222,10 +237,11 @@ const std::vector<Command> kCommands = {
      .description =
          {"Extracts a zip archive into OUTDIR, or only the ENTRY selected. ARCHIVE - reads the "
           "archive from standard input.",
-          kSelection, kReplace, kSafety},
+          kSelection, kReplace, kSafety, kLeftOut},
      .options = {{OptionId::Output, ""},
                  {OptionId::KeepExisting, ""},
                  {OptionId::StripComponents, ""},
+                 {OptionId::KeepOutwardLinks, ""},
                  {OptionId::Password, ""},
                  {OptionId::PasswordFile, ""},
                  {OptionId::PreservePermissions, ""},
@@ -244,10 +260,11 @@ const std::vector<Command> kCommands = {
          {"Extracts a tar archive (plain or compressed: .tar, .tgz, .tar.gz, .tar.xz, .tar.zst, "
           "...) into OUTDIR, or only the ENTRY selected. ARCHIVE - reads the archive from "
           "standard input, whatever its compression.",
-          kSelection, kReplace, kSafety},
+          kSelection, kReplace, kSafety, kLeftOut},
      .options = {{OptionId::Output, ""},
                  {OptionId::KeepExisting, ""},
                  {OptionId::StripComponents, ""},
+                 {OptionId::KeepOutwardLinks, ""},
                  {OptionId::PreservePermissions, ""},
                  {OptionId::UnsafePaths, ""}},
      .examples = {{"untar backup.tgz -d restore", ""},
@@ -344,7 +361,9 @@ const std::vector<std::string> kOverview = {
 
 const std::vector<ExitStatusDoc> kExitStatuses = {
     {0, "success, warnings included"},
-    {1, "the operation failed, test found damage, or an ENTRY matched nothing"},
+    {1,
+     "the operation failed, test found damage, an ENTRY matched nothing, or an entry was "
+     "not extracted (skipped for safety or not writable; see the warnings)"},
     {2, "the command line cannot be run (identifiers tqarchive:usage:*)"},
     {130, "interrupted by SIGINT (Ctrl-C); an earlier output file is left as it was"},
     {143, "stopped by SIGTERM, likewise"}};

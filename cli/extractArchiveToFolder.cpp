@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <string>
 #include <system_error>
 
 #include <archive/core/archivecore.hpp>
@@ -32,6 +33,9 @@ core::ExtractOptions extractOptions(const CommandLine& commandLine) {
     }
     options.keepExisting = commandLine.keepExisting;
     options.stripComponents = commandLine.stripComponents.value_or(0);
+    if (commandLine.keepOutwardLinks) {
+        options.outwardLinks = core::OutwardLinks::Keep;
+    }
     options.gzipCheck = BackgroundStreamCheck::factory();
     for (auto entry = commandLine.operands.begin() + 1; entry != commandLine.operands.end();
          ++entry) {
@@ -180,7 +184,13 @@ int extractArchiveToFolder(const CommandLine& commandLine) {
     for (const tessel::host::MessageIdError& missing : result.notFound) {
         printError(missing);
     }
-    return result.notFound.empty() ? 0 : 1;
+    // Each was warned about as it was reached; the count is the last word, so that a
+    // restore that left something out never looks like a complete one.
+    if (!result.skipped.empty()) {
+        printError(tessel::host::MessageIdError(kComponent, "entriesNotExtracted",
+                                                {std::to_string(result.skipped.size())}));
+    }
+    return result.notFound.empty() && result.skipped.empty() ? 0 : 1;
 }
 
 }  // namespace tqarchive

@@ -7,7 +7,7 @@ ExtractOptions ExtractOptions::safe() {
     options.confine = true;
     options.skipSpecialFiles = true;
     options.restrictPermissions = true;
-    options.refuseOutwardLinks = true;
+    options.outwardLinks = OutwardLinks::Skip;
     options.safeWrites = true;
     options.removeCreatedOnFailure = true;
     return options;
@@ -18,7 +18,7 @@ ExtractOptions ExtractOptions::unsafe() {
     options.confine = false;
     options.skipSpecialFiles = false;
     options.restrictPermissions = false;
-    options.refuseOutwardLinks = false;
+    options.outwardLinks = OutwardLinks::Keep;
     return options;
 }
 

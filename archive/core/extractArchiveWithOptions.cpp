@@ -15,8 +15,8 @@ ExtractResult extractArchiveWithOptions(const std::u16string& archivePath,
     ExtractResult result;
     constexpr ExtractFailurePolicy kAsOptionCalls{ExtractFailureTable::OptionCalls,
                                                   ExtractCleanup::AsOptionsSay};
-    result.written =
-        extractEntries(archivePath, outputFolder, format, options, selection, kAsOptionCalls);
+    result.written = extractEntries(archivePath, outputFolder, format, options, selection,
+                                    kAsOptionCalls, &result.skipped);
     for (const std::u16string& pattern : selection.unmatched()) {
         result.notFound.push_back(
             TESSEL::io::archive::extractArchive::entryNotFound(pattern, archivePath));

@@ -35,7 +35,8 @@ std::vector<std::u16string> extractEntries(const std::u16string& archivePath,
                                            const std::u16string& outputFolder,
                                            const std::u16string& formatText,
                                            const ExtractOptions& options, EntrySelection& selection,
-                                           const ExtractFailurePolicy& failures) {
+                                           const ExtractFailurePolicy& failures,
+                                           std::vector<std::u16string>* skipped) {
     const ArchiveFormat format = archiveFormatFromText(formatText);
     // What is on disk where each entry goes is looked up only when something needs it:
     // taking back what the call created, keeping existing files, or telling a replacement
@@ -93,6 +94,13 @@ std::vector<std::u16string> extractEntries(const std::u16string& archivePath,
         }
         DataBlock block;
         ::archive_entry* entry = nullptr;
+        // An entry left out with a warning, for the caller to count.
+        const auto leaveOut = [&] {
+            if (skipped != nullptr) {
+                skipped->push_back(currentEntry);
+            }
+            archive_entry_clear(entry);
+        };
         while (reader->readNextHeader(&entry) == 1 && !selection.done()) {
             const char* pathname = archive_entry_pathname(entry);
             // Matched as stored in the archive, before any rewriting.
@@ -106,7 +114,7 @@ std::vector<std::u16string> extractEntries(const std::u16string& archivePath,
                 continue;  // nothing of its name is left to place
             }
             if (!safety.review(entry, currentEntry)) {
-                archive_entry_clear(entry);
+                leaveOut();
                 continue;
             }
             CreatedPaths::Plan plan;
@@ -124,7 +132,7 @@ std::vector<std::u16string> extractEntries(const std::u16string& archivePath,
                 }
             }
             if (!writer->writeHeader(entry, std::nullopt, tracksPaths && !plan.targetExists)) {
-                archive_entry_clear(entry);
+                leaveOut();
                 continue;
             }
             entryInProgress = true;

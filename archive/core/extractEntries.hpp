@@ -31,11 +31,13 @@ struct ExtractFailurePolicy {
 // The one entry loop of extraction, behind extractArchive (both forms) and
 // extractArchiveWithOptions: each selected entry is placed under the output folder,
 // reviewed by the safe modes the options ask for, written, and its data copied. Returns
-// the paths written.
+// the paths written; the names (as stored) of the entries left out with a warning go to
+// skipped when given.
 std::vector<std::u16string> extractEntries(const std::u16string& archivePath,
                                            const std::u16string& outputFolder,
                                            const std::u16string& format,
                                            const ExtractOptions& options, EntrySelection& selection,
-                                           const ExtractFailurePolicy& failures);
+                                           const ExtractFailurePolicy& failures,
+                                           std::vector<std::u16string>* skipped = nullptr);
 
 }  // namespace tessel::io::archive::core

@@ -131,7 +131,8 @@ TEST(Extract, SafeModesByDefaultPreservePermissionsKeepsBitsUnsafePathsKeepsAll)
     for (const Mode& mode : modes) {
         SCOPED_TRACE(mode.option);
         const auto run = tqarchive(dir.path(), "untar m.tar -q -d out " + mode.option);
-        EXPECT_EQ(run.status, 0) << run.err;
+        // A skipped FIFO is an entry not extracted.
+        EXPECT_EQ(run.status, mode.fifoSkipped ? 1 : 0) << run.err;
         EXPECT_EQ(sh(dir / "out", "stat -c '%n %a' * && cd .. && rm -r out"), mode.onDisk);
         EXPECT_EQ(run.err.find("fifo") != std::string::npos, mode.fifoSkipped) << run.err;
     }
@@ -147,7 +148,8 @@ struct Hostile {
 }  // namespace
 
 // Refused in the same pass, and the run takes back everything it created, the output folder
-// too; --unsafe-paths extracts as told.
+// too; --unsafe-paths extracts as told. (Links pointing out are skipped, not refused:
+// ExitStatusTest.)
 TEST(Extract, EntriesLandingOutsideAreRefusedAndNothingNewIsLeftUnlessUnsafePaths) {
     if (!toolAvailable("python3")) {
         GTEST_SKIP() << "python3 is not installed";
@@ -158,10 +160,6 @@ TEST(Extract, EntriesLandingOutsideAreRefusedAndNothingNewIsLeftUnlessUnsafePath
          "work/new/evil.txt"},
         {"echo x > evil.txt && tar -cPf h.tar --transform 's,^,a/../../,' evil.txt",
          "work/new/evil.txt"},
-        {"mkdir -p src l && ln -s ../.. src/l && echo x > l/evil.txt && "
-         "tar -cf h.tar -C src l && tar -rf h.tar l/evil.txt",
-         "work/evil.txt"},
-        {"ln -s /etc/passwd cfg && tar -cf h.tar cfg", "work/new/deep/cfg"},
         // gzip-compressed, refused at its first entry while the second thread still has
         // megabytes to inflate into the pipe the refusal closed.
         {"python3 -c \"import io, os, tarfile; t = tarfile.open('h.tar', 'w:gz'); "

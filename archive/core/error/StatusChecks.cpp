@@ -68,9 +68,13 @@ void throwArchiveErrorForPath(NullArchiveRule rule, ::archive* handle, ::archive
 }
 
 void throwInternalError(NullArchiveRule rule) {
+    throwInternalError(rule, std::u16string());
+}
+
+void throwInternalError(NullArchiveRule rule, const std::u16string& message) {
     const ArchiveException probe(rule, std::u16string());
     ARCHIVE_LOG(LogFailure) << kInternalMessageLabel << probe.what();
-    throw ArchiveException(rule, std::u16string());
+    throw ArchiveException(rule, message);
 }
 
 void throwArchiveErrorWithMessage(NullArchiveRule rule, const std::u16string& message) {

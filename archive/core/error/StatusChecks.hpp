@@ -22,6 +22,8 @@ std::string libarchiveErrnoString(::archive* handle);
 [[noreturn]] void throwArchiveErrorForPath(NullArchiveRule rule, ::archive* handle,
                                            ::archive_entry* entry);
 [[noreturn]] void throwInternalError(NullArchiveRule rule);
+// The same, the error naming what failed (the path being written).
+[[noreturn]] void throwInternalError(NullArchiveRule rule, const std::u16string& message);
 [[noreturn]] void throwArchiveErrorWithMessage(NullArchiveRule rule, const std::u16string& message);
 void warnArchiveError(NullArchiveRule rule, ::archive* handle, const tessel::host::HostPath& path);
 // Only the evidence: libarchive's message and errno, for a warning nobody needs to see.

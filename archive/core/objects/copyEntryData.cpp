@@ -1,6 +1,7 @@
 #include <archive/core/objects/copyEntryData.hpp>
 
 #include <archive/core/error/StatusChecks.hpp>
+#include <host/TextConversion.hpp>
 
 namespace tessel::io::archive::core {
 
@@ -28,7 +29,11 @@ void copyEntryData(DataBlock& block, ArchiveDiskReader& reader, ArchiveDiskWrite
         }
     }
     if (status != ARCHIVE_EOF) {
-        throwInternalError(NullArchiveRule::CouldNotWriteFile);
+        // Named after the file being written: a hard link whose data cannot go where it
+        // points (a symbolic link, say) has no other name to show.
+        const char* pathname = archive_entry_pathname(entry);
+        throwInternalError(NullArchiveRule::CouldNotWriteFile,
+                           tessel::host::fromFileSystemText(pathname != nullptr ? pathname : ""));
     }
 }
 

@@ -153,6 +153,7 @@ TEST(MessageClasses, MatchTheCatalogueOneToOne) {
         msg::extractArchive::writeError(p),
         msg::extractArchive::specialFileSkipped(p),
         msg::extractArchive::existingFileKept(p),
+        msg::extractArchive::outwardLinkSkipped(p, p),
         msg::createArchive::cancelled(),
         msg::createArchive::unknownArchiveType(p),
         msg::createArchive::invalidCompression(p, p),

@@ -27,5 +27,7 @@ TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", cancelled, 0);
 TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", writeError, 1);          // target path
 TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", specialFileSkipped, 1);  // entry, warning
 TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", existingFileKept, 1);    // path, warning
+// entry, its target; warning
+TQ_MESSAGE_CLASS("TESSEL:io:archive:extractArchive", outwardLinkSkipped, 2);
 
 }  // namespace TESSEL::io::archive::extractArchive

@@ -12,6 +12,20 @@
 
 namespace tessel::io::archive::core {
 
+// What becomes of a symbolic link that would point outside the output folder from where it
+// lands: a symbolic link entry whose target, resolved from the link's own folder, lies
+// outside it (absolute targets included, and routes through links already on disk), and a
+// hard link to a symbolic link whose target, resolved from the hard link's folder, does.
+enum class OutwardLinks {
+    // Written as stored, as extractArchive does. With confine nothing is ever written
+    // through one.
+    Keep,
+    // Left out with an outwardLinkSkipped warning naming it; the rest is extracted.
+    Skip,
+    // Fails the call with a linkOutsideFolder error naming it, as confine refuses names.
+    Refuse,
+};
+
 // How extractArchiveWithOptions (and listing, testing and uncompressgzWithOptions, which
 // read the same way) behave. Every field defaults to what extractArchive does.
 struct ExtractOptions {
@@ -38,9 +52,7 @@ struct ExtractOptions {
     // Clear set-user-ID, set-group-ID and sticky bits and group and other write
     // permission on everything created.
     bool restrictPermissions = false;
-    // Refuse a symbolic link whose target, resolved from the link's own folder, lies
-    // outside the output folder (absolute targets included), as confine refuses names.
-    bool refuseOutwardLinks = false;
+    OutwardLinks outwardLinks = OutwardLinks::Keep;
     // Leave existing files alone, with a warning each (folders are merged as always).
     bool keepExisting = false;
     // Replace an existing file through a temporary and a rename (libarchive's safe
@@ -69,7 +81,7 @@ struct ExtractOptions {
     std::function<std::optional<std::string>()> upstreamVerdict;
 
     // What a careful command-line tool wants: confine, skipSpecialFiles,
-    // restrictPermissions, refuseOutwardLinks, safeWrites and removeCreatedOnFailure.
+    // restrictPermissions, outward links skipped, safeWrites and removeCreatedOnFailure.
     TQARCHIVE_API static ExtractOptions safe();
     // safe() without confinement and the safe modes: for archives the user trusts. Safe
     // writes and the cleanup on failure stay.
@@ -82,6 +94,9 @@ struct ExtractResult {
     // One "TESSEL:io:archive:extractArchive:entryNotFound" error for each pattern of
     // ExtractOptions::select that matched no entry; the call raises none of them.
     std::vector<tessel::host::MessageIdError> notFound;
+    // The entries (names as stored) left out with a warning each: skipped by the safe modes
+    // or refused by the disk. Files kept by keepExisting are not among them.
+    std::vector<std::u16string> skipped;
 };
 
 }  // namespace tessel::io::archive::core
