@@ -99,8 +99,10 @@ ZipDirectory readZipDirectory(const ReadAt& readAt, std::uint64_t fileSize) {
         directory.damage = std::move(why);
         return directory;
     };
+    // Without an end record there is no directory: libarchive then reads the local headers
+    // alone, as every streaming reader does, and there is nothing to disagree with.
     if (fileSize < kEndSize) {
-        return fail("no end of central directory record");
+        return directory;
     }
     // The end record is the last one whose comment reaches the end of the file; a comment
     // is at most 65535 bytes.
@@ -119,7 +121,7 @@ ZipDirectory readZipDirectory(const ReadAt& readAt, std::uint64_t fileSize) {
         }
     }
     if (!endAt) {
-        return fail("no end of central directory record");
+        return directory;
     }
     const auto* end =
         reinterpret_cast<const unsigned char*>(tail.data() + (*endAt - (fileSize - searched)));

@@ -27,6 +27,7 @@ struct ZipDirectory {
 // Reads a zip file's central directory and compares every record with the local header it
 // points at (name, method and, where the local header holds them, CRC and sizes): two
 // readers, one by each, must see the same files. Every length is checked against the file.
+// A file without an end of central directory record has no entries and no damage.
 ZipDirectory readZipDirectory(const ReadAt& readAt, std::uint64_t fileSize);
 
 }  // namespace tessel::io::archive::core

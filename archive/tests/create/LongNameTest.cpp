@@ -9,22 +9,12 @@
 namespace tqtest {
 namespace {
 
-// How often the text holds the part.
-std::size_t occurrences(const std::string& text, const std::string& part) {
-    std::size_t count = 0;
-    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
-        ++count;
-    }
-    return count;
-}
-
 struct LongName {
     std::string label;
     std::string content;
     std::function<Paths(const std::u16string& archive, const Paths& files, const Paths& names)>
         create;
-    std::string ending;    // how the outcome ends
-    std::size_t warnings;  // openEntryError warnings issued
+    std::string outcome;  // the name written N
 };
 
 TEST(LongName, RefusedZipHeaderWarnsOnceAndTheOptionCallsNameTheCause) {
@@ -41,34 +31,32 @@ TEST(LongName, RefusedZipHeaderWarnsOnceAndTheOptionCallsNameTheCause) {
         {.label = "plain, data",
          .content = "x",
          .create = plain,
-         .ending = " !extractArchive:internalError",
-         .warnings = 1},
-        {.label = "plain, empty", .content = "", .create = plain, .ending = name, .warnings = 1},
+         .outcome = "?createArchive:openEntryError(N) !extractArchive:internalError"},
+        {.label = "plain, empty",
+         .content = "",
+         .create = plain,
+         .outcome = "N ?createArchive:openEntryError(N)"},
         {.label = "options, data",
          .content = "x",
          .create = withOptions,
-         .ending = "!createArchive:entryNameTooLong(~/long.zip;65537;65535)",
-         .warnings = 0},
+         .outcome = "!createArchive:entryNameTooLong(~/long.zip;65537;65535)"},
         {.label = "options, empty",
          .content = "",
          .create = withOptions,
-         .ending = "!createArchive:entryNameTooLong(~/long.zip;65537;65535)",
-         .warnings = 0},
+         .outcome = "!createArchive:entryNameTooLong(~/long.zip;65537;65535)"},
     };
-    for (const auto& [label, content, create, ending, warnings] : cases) {
-        SCOPED_TRACE(label);
-        writeFile(dir / "in.txt", content);
+    for (const LongName& c : cases) {
+        SCOPED_TRACE(c.label);
+        writeFile(dir / "in.txt", c.content);
         fs::remove(dir / "long.zip");
-        const std::string result = outcome(
-            [&] { return create(u16(dir / "long.zip"), {u16(dir / "in.txt")}, {u16(name)}); },
+        std::string result = outcome(
+            [&] { return c.create(u16(dir / "long.zip"), {u16(dir / "in.txt")}, {u16(name)}); },
             dir.path());
-        std::string shortened = result;
-        for (std::size_t at = shortened.find(name); at != std::string::npos;
-             at = shortened.find(name, at)) {
-            shortened.replace(at, name.size(), "N");
+        for (std::size_t at = result.find(name); at != std::string::npos;
+             at = result.find(name, at)) {
+            result.replace(at, name.size(), "N");
         }
-        EXPECT_TRUE(shortened.ends_with(ending)) << shortened;
-        EXPECT_EQ(occurrences(result, "?createArchive:openEntryError("), warnings);
+        EXPECT_EQ(result, c.outcome);
     }
 }
 
