@@ -118,7 +118,15 @@ std::vector<std::u16string> createEntries(const std::u16string& archivePath,
             }
             current = entryName;
             report(true);
-            archive_entry_set_pathname(entry, tessel::host::toUtf8(entryName).c_str());
+            const std::string storedName = tessel::host::toUtf8(entryName);
+            // The calls with options name the cause rather than the data's refusal that
+            // would follow the header's.
+            if (failures.table == CreateFailureTable::OptionCalls && !options.skipRefusedEntries &&
+                !creator->holdsName(storedName.size())) {
+                throwArchiveErrorWithMessage(NullArchiveRule::EntryNameTooLong,
+                                             decimalText(storedName.size()));
+            }
+            archive_entry_set_pathname(entry, storedName.c_str());
             // A refused header has issued its warning; the data of a non-empty file is then
             // refused too and ends the call, unless the options ask to leave the entry out.
             if (!creator->writeHeader(entry, failures.headerWarnings) &&

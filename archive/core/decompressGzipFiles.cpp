@@ -13,10 +13,11 @@
 #include <archive/core/error/messages/gunzip.hpp>
 #include <archive/core/objects/ArchiveDiskReader.hpp>
 #include <archive/core/objects/ArchiveDiskWriter.hpp>
-#include <archive/core/types/ArchiveFormat.hpp>
 #include <archive/core/objects/DataBlock.hpp>
 #include <archive/core/objects/copyEntryData.hpp>
 #include <archive/core/rethrowAsHostError.hpp>
+#include <archive/core/types/ArchiveFormat.hpp>
+#include <host/FileSystemError.hpp>
 #include <host/HostPath.hpp>
 #include <host/TextConversion.hpp>
 
@@ -109,6 +110,16 @@ void copyToDescriptor(DataBlock& block, ArchiveDiskReader& reader, ::archive_ent
     }
 }
 
+// Whether nothing is at the path yet. A path that cannot be looked at is left to the
+// writer's check, which names it as the output that cannot be opened.
+bool nothingAt(const HostPath& path) {
+    try {
+        return !path.statusIfExists().has_value();
+    } catch (const tessel::host::FileSystemError&) {
+        return false;
+    }
+}
+
 }  // namespace
 
 std::vector<std::u16string> decompressGzipFiles(const std::vector<std::u16string>& files,
@@ -166,7 +177,7 @@ std::vector<std::u16string> decompressGzipFiles(const std::vector<std::u16string
                 reader->checkGzipTrailer();
             } else if (found == 1) {
                 setOutputPathname(entry, outputPath);
-                outputIsNew = !outputPath.statusIfExists().has_value();
+                outputIsNew = nothingAt(outputPath);
                 writer->writeHeader(entry, ArchiveFormat::Gz);
                 copyEntryData(block, *reader, *writer, entry, hooks);
                 reader->checkGzipTrailer();

@@ -21,6 +21,8 @@ enum class Argument {
     ArchivePath,
     FilterName,  // the options' filter, else the format's own compression
     Level,       // the options' level, in decimal (UTF-8)
+    NameLength,  // the refused name's length in bytes, in decimal (the failure's message)
+    NameLimit,   // the most the format's name field holds, in decimal
 };
 
 struct Row {
@@ -119,6 +121,11 @@ constexpr Row kRows[] = {
      .calls = kOptionCalls,
      .message = raised<messages::createArchive::invalidCompression>(),
      .arguments = {Argument::FilterName, Argument::Level}},
+    {.rule = Rule::EntryNameTooLong,
+     .formats = kAny,
+     .calls = kOptionCalls,
+     .message = raised<messages::createArchive::entryNameTooLong>(),
+     .arguments = {Argument::ArchivePath, Argument::NameLength, Argument::NameLimit}},
     {.rule = Rule::CouldNotWriteFile,
      .formats = kAny,
      .calls = kOptionCalls,
@@ -132,8 +139,13 @@ constexpr Row kRows[] = {
 };
 static_assert(argumentCountsMatch(kRows));
 
-tessel::host::MessageArgument argumentOf(Argument argument, const CreateFailureSubject& subject) {
+tessel::host::MessageArgument argumentOf(Argument argument, const ArchiveException& failure,
+                                         const CreateFailureSubject& subject) {
     switch (argument) {
+        case Argument::NameLength:
+            return failure.message;
+        case Argument::NameLimit:
+            return std::to_string(kZipEntryNameLimit);
         case Argument::FilterName:
             if (!subject.options.filter.empty()) {
                 return subject.options.filter;
@@ -157,7 +169,7 @@ void raiseCreateFailure(const ArchiveException& failure, CreateFailureTable tabl
     if (row == nullptr) {
         rethrowAsHostError(failure);
     }
-    raiseRow(*row, [&](Argument argument) { return argumentOf(argument, subject); });
+    raiseRow(*row, [&](Argument argument) { return argumentOf(argument, failure, subject); });
 }
 
 }  // namespace tessel::io::archive::core

@@ -40,6 +40,7 @@ enum class NullArchiveRule : std::int32_t {
     Cancelled = 29,
     OutputIsInput = 30,
     InvalidCompressionLevel = 31,
+    EntryNameTooLong = 32,  // longer than the format's name field
 };
 
 }  // namespace tessel::io::archive::core

@@ -26,8 +26,6 @@ namespace {
 constexpr const char* kEmptyPassphrase = "Empty passphrase is unacceptable";
 constexpr const char* kEncryptionNotSupported = "encryption not supported";
 constexpr const char* kWriteError = "Write error";
-// The zip format's name field holds this many bytes; libarchive does not check it.
-constexpr std::size_t kZipNameLimit = 65535;
 
 ::archive* newWriteHandle() {
     ::archive* handle = archive_write_new();
@@ -183,6 +181,11 @@ void ArchiveCreator::openArchiveFile() {
                          << archivePath_;
 }
 
+bool ArchiveCreator::holdsName(std::size_t bytes) const noexcept {
+    return (archive_format(handle_.get()) & ARCHIVE_FORMAT_BASE_MASK) != ARCHIVE_FORMAT_ZIP ||
+           bytes <= kZipEntryNameLimit;
+}
+
 bool ArchiveCreator::writeHeader(::archive_entry* entry, HeaderWarnings warnings) {
     const char* pathname = archive_entry_pathname(entry);
     const HostPath name = (pathname == nullptr || *pathname == '\0')
@@ -190,12 +193,11 @@ bool ArchiveCreator::writeHeader(::archive_entry* entry, HeaderWarnings warnings
                               : HostPath::fromFileSystem(pathname).nativeForm();
     // A zip name longer than its field would overrun libarchive's buffer: refused as a
     // header libarchive refuses, and left in the same state (the entry's data is refused).
-    if ((archive_format(handle_.get()) & ARCHIVE_FORMAT_BASE_MASK) == ARCHIVE_FORMAT_ZIP &&
-        pathname != nullptr && std::strlen(pathname) > kZipNameLimit) {
+    if (pathname != nullptr && !holdsName(std::strlen(pathname))) {
         archive_write_finish_entry(handle_.get());
         archive_set_error(handle_.get(), ENAMETOOLONG,
                           "Pathname is too long for zip (%zu bytes, at most %zu)",
-                          std::strlen(pathname), kZipNameLimit);
+                          std::strlen(pathname), kZipEntryNameLimit);
         warnArchiveError(NullArchiveRule::InvalidEntryHeader, handle_.get(), name);
         return false;
     }

@@ -65,6 +65,8 @@ class ArchiveCreator {
     void finish();
 
     const tessel::host::HostPath& archivePath() const noexcept { return archivePath_; }
+    // Whether the format written stores a name of this many bytes.
+    bool holdsName(std::size_t bytes) const noexcept;
 
   private:
     struct WriteHandleCloser {

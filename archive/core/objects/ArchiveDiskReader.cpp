@@ -32,13 +32,29 @@ bool isZip(::archive* handle) {
     return (archive_format(handle) & ARCHIVE_FORMAT_BASE_MASK) == ARCHIVE_FORMAT_ZIP;
 }
 
+bool isAscii(const char* text) {
+    for (; text != nullptr && *text != '\0'; ++text) {
+        if ((static_cast<unsigned char>(*text) & 0x80U) != 0) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// A stored name libarchive altered: it only recomposes names that hold other than ASCII.
+bool altered(const char* read, const std::optional<std::string>& stored) {
+    return read != nullptr && stored && !isAscii(read) && *stored != read &&
+           tessel::host::isValidUtf8(*stored);
+}
+
 }  // namespace
 
 ArchiveDiskReader::ArchiveDiskReader(tessel::host::HostPath archivePath, ArchiveFormat format,
                                      const ExtractOptions& options, ReadPurpose purpose)
     : handle_(archive_read_new()),
       archivePath_(std::move(archivePath)),
-      trackDataCrc_(purpose.trackDataCrc) {
+      trackDataCrc_(purpose.trackDataCrc),
+      checkZipAgreement_(purpose.checkZipAgreement) {
     if (!handle_) {
         throw std::bad_alloc();
     }
@@ -148,7 +164,11 @@ std::int32_t ArchiveDiskReader::readNextHeader(::archive_entry** entry) {
         dataCrc_ = 0;
         dataLength_ = 0;
         if (isZip(handle_.get())) {
+            restoreStoredZipName(*entry);
             readLegacyZipName(*entry);
+        } else if ((archive_format(handle_.get()) & ARCHIVE_FORMAT_BASE_MASK) ==
+                   ARCHIVE_FORMAT_TAR) {
+            restoreStoredTarNames(*entry);
         }
         const char* name = archive_entry_pathname(*entry);
         if (name != nullptr && *name != '\0') {
@@ -191,6 +211,82 @@ std::int32_t ArchiveDiskReader::readDataBlock(const void** buffer, std::size_t* 
         throwArchiveErrorForPath(NullArchiveRule::CryptoUnsupported, handle, entry);
     }
     return status;
+}
+
+void ArchiveDiskReader::restoreStoredZipName(::archive_entry* entry) {
+    ::archive* handle = handle_.get();
+    if (!zipDirectoryRead_) {
+        zipDirectoryRead_ = true;
+        // Only a zip file read in place has a directory that libarchive read: a stream or a
+        // compressed zip is read by its local headers alone.
+        if (source_->rereadable() && archive_filter_count(handle) == 1 &&
+            archive_filter_code(handle, 0) == ARCHIVE_FILTER_NONE) {
+            zipDirectory_ = readZipDirectory(
+                [this](std::uint64_t offset, void* into, std::size_t size) {
+                    return source_->readAt(offset, into, size);
+                },
+                source_->totalBytes());
+            if (zipDirectory_->damage && checkZipAgreement_) {
+                ARCHIVE_LOG(LogFailure)
+                    << "[INTERNAL_MESSAGE]: zip directory check: " << *zipDirectory_->damage;
+                throwArchiveErrorWithMessage(NullArchiveRule::CouldNotOpenFile,
+                                             tessel::host::fromUtf8(*zipDirectory_->damage));
+            }
+        }
+    }
+    const std::size_t index = zipEntryIndex_++;
+    if (!zipDirectory_ || zipDirectory_->damage || index >= zipDirectory_->entries.size()) {
+        return;
+    }
+    // libarchive yields the entries in the order of their local headers, as listed here.
+    const ZipDirectoryEntry& stored = zipDirectory_->entries[index];
+    if (stored.utf8 && altered(archive_entry_pathname(entry), stored.name)) {
+        archive_entry_set_pathname(entry, stored.name.c_str());
+    }
+}
+
+void ArchiveDiskReader::restoreStoredTarNames(::archive_entry* entry) {
+    ::archive* handle = handle_.get();
+    const char* name = archive_entry_pathname(entry);
+    const char* hardLink = archive_entry_hardlink(entry);
+    const char* symbolicLink = archive_entry_symlink(entry);
+    if (isAscii(name) && isAscii(hardLink) && isAscii(symbolicLink)) {
+        return;
+    }
+    // The headers are read again where libarchive read them: an uncompressed input from
+    // the blocks it was just given (a pipe cannot give them again), a compressed file by
+    // decoding it a second time.
+    ReadAt readAt;
+    if (archive_filter_count(handle) == 1) {
+        readAt = [this](std::uint64_t offset, void* into, std::size_t size) {
+            return source_->readRecent(offset, into, size) || source_->readAt(offset, into, size);
+        };
+    } else if (source_->rereadable()) {
+        if (!decodedTar_) {
+            decodedTar_ = std::make_unique<DecodedStream>(
+                [this](std::uint64_t offset, void* into, std::size_t size) {
+                    return source_->readAt(offset, into, size);
+                });
+        }
+        readAt = [this](std::uint64_t offset, void* into, std::size_t size) {
+            return decodedTar_->readAt(offset, into, size);
+        };
+    } else {
+        return;
+    }
+    const std::optional<PaxNames> stored =
+        readPaxNames(readAt, static_cast<std::uint64_t>(archive_read_header_position(handle)));
+    if (!stored) {
+        return;
+    }
+    if (altered(name, stored->path)) {
+        archive_entry_set_pathname(entry, stored->path->c_str());
+    }
+    if (altered(hardLink, stored->linkPath)) {
+        archive_entry_set_hardlink(entry, stored->linkPath->c_str());
+    } else if (altered(symbolicLink, stored->linkPath)) {
+        archive_entry_set_symlink(entry, stored->linkPath->c_str());
+    }
 }
 
 void ArchiveDiskReader::readLegacyZipName(::archive_entry* entry) {

@@ -13,8 +13,10 @@
 #include <archive/core/CompressedStreamCheck.hpp>
 #include <archive/core/ExtractOptions.hpp>
 #include <archive/core/objects/ArchiveFileSource.hpp>
-#include <archive/core/types/ArchiveFormat.hpp>
 #include <archive/core/objects/DataBlock.hpp>
+#include <archive/core/objects/StoredTarNames.hpp>
+#include <archive/core/objects/ZipDirectory.hpp>
+#include <archive/core/types/ArchiveFormat.hpp>
 #include <host/HostPath.hpp>
 
 namespace tessel::io::archive::core {
@@ -33,15 +35,19 @@ struct ReadPurpose {
     bool readInputDescriptor = true;
     // Offer the options' password to libarchive.
     bool offerPassword = true;
+    // Refuse a zip file whose central directory and local headers disagree, before its
+    // first entry is returned.
+    bool checkZipAgreement = false;
 
     static constexpr ReadPurpose extraction() {
         return {.checkCompressedStream = true, .askUpstreamVerdict = true};
     }
-    static constexpr ReadPurpose listing() { return {}; }
+    static constexpr ReadPurpose listing() { return {.checkZipAgreement = true}; }
     // A gzip file is checked whole against its trailer; an archive as it is extracted.
     static constexpr ReadPurpose testing(ArchiveFormat format) {
-        return format == ArchiveFormat::Gz ? ReadPurpose{.trackDataCrc = true}
-                                           : ReadPurpose{.checkCompressedStream = true};
+        return format == ArchiveFormat::Gz
+                   ? ReadPurpose{.trackDataCrc = true}
+                   : ReadPurpose{.checkCompressedStream = true, .checkZipAgreement = true};
     }
     // One input of a gunzip, checked whole against its trailer; only the first may come
     // from the descriptor, and a gzip file holds no encryption.
@@ -102,6 +108,8 @@ class ArchiveDiskReader {
     void enableFormats(ArchiveFormat format);
     void openFile(ArchiveFormat format, int inputDescriptor, const StreamCheckFactory& check);
     void readLegacyZipName(::archive_entry* entry);
+    void restoreStoredZipName(::archive_entry* entry);
+    void restoreStoredTarNames(::archive_entry* entry);
     void judgeCompressedStream();
 
     // The source outlives the handle, whose close still calls it.
@@ -112,6 +120,13 @@ class ArchiveDiskReader {
     std::function<std::optional<std::string>()> upstreamVerdict_;
     std::uint32_t dataCrc_ = 0;
     std::uint64_t dataLength_ = 0;
+    bool checkZipAgreement_;
+    // A seekable zip file's directory, read at its first entry; entries counted from there.
+    std::optional<ZipDirectory> zipDirectory_;
+    bool zipDirectoryRead_ = false;
+    std::size_t zipEntryIndex_ = 0;
+    // A compressed tar's stream decoded again, for its stored names.
+    std::unique_ptr<DecodedStream> decodedTar_;
 };
 
 }  // namespace tessel::io::archive::core

@@ -4,7 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <utility>
 
 namespace tessel::io::archive::core {
@@ -51,13 +53,24 @@ int ArchiveFileSource::openCallback(::archive* handle, void* self) {
     }
     source.seekable_ = S_ISREG(status.st_mode);
     source.totalBytes_ = source.seekable_ ? static_cast<std::uint64_t>(status.st_size) : 0;
-    source.buffer_.resize(kBlockSize);
+    for (Block& block : source.blocks_) {
+        block.bytes.resize(kBlockSize);
+    }
     return ARCHIVE_OK;
 }
 
+ArchiveFileSource::Block& ArchiveFileSource::nextBlock() {
+    current_ = (current_ + 1) % blocks_.size();
+    Block& block = blocks_[current_];
+    block.at = position_;
+    block.size = 0;
+    return block;
+}
+
 la_ssize_t ArchiveFileSource::readBlock(::archive* handle) {
+    Block& block = nextBlock();
     for (;;) {
-        const ssize_t got = ::read(fd_, buffer_.data(), buffer_.size());
+        const ssize_t got = ::read(fd_, block.bytes.data(), block.bytes.size());
         if (got < 0 && errno == EINTR) {
             continue;
         }
@@ -65,15 +78,40 @@ la_ssize_t ArchiveFileSource::readBlock(::archive* handle) {
             archive_set_error(handle, errno, "Error reading '%s'", path_.c_str());
             return ARCHIVE_FATAL;
         }
-        saw(buffer_.data(), static_cast<std::size_t>(got));
+        block.size = static_cast<std::size_t>(got);
+        position_ += block.size;
+        saw(block.bytes.data(), block.size);
         return got;
     }
 }
 
+bool ArchiveFileSource::readRecent(std::uint64_t offset, void* into, std::size_t size) const {
+    auto* bytes = static_cast<unsigned char*>(into);
+    while (size > 0) {
+        const Block* holding = nullptr;
+        for (const Block& block : blocks_) {
+            if (block.size > 0 && block.at <= offset && offset - block.at < block.size) {
+                holding = &block;
+            }
+        }
+        if (holding == nullptr) {
+            return false;
+        }
+        const std::size_t from = static_cast<std::size_t>(offset - holding->at);
+        const std::size_t count = std::min(size, holding->size - from);
+        std::memcpy(bytes, holding->bytes.data() + from, count);
+        bytes += count;
+        size -= count;
+        offset += count;
+    }
+    return true;
+}
+
 la_ssize_t ArchiveFileSource::readCallback(::archive* handle, void* self, const void** buffer) {
     auto& source = *static_cast<ArchiveFileSource*>(self);
-    *buffer = source.buffer_.data();
-    return source.readBlock(handle);
+    const la_ssize_t got = source.readBlock(handle);
+    *buffer = source.blocks_[source.current_].bytes.data();
+    return got;
 }
 
 la_int64_t ArchiveFileSource::skipCallback(::archive* handle, void* self, la_int64_t request) {
@@ -90,6 +128,7 @@ la_int64_t ArchiveFileSource::skipCallback(::archive* handle, void* self, la_int
         return ARCHIVE_FATAL;
     }
     source.bytesRead_ += static_cast<std::uint64_t>(to - from);
+    source.position_ += static_cast<std::uint64_t>(to - from);
     return to - from;
 }
 
@@ -106,7 +145,28 @@ la_int64_t ArchiveFileSource::seekCallback(::archive* handle, void* self, la_int
         return ARCHIVE_FATAL;
     }
     source.bytesRead_ = static_cast<std::uint64_t>(at);
+    source.position_ = static_cast<std::uint64_t>(at);
     return at;
+}
+
+bool ArchiveFileSource::readAt(std::uint64_t offset, void* into, std::size_t size) const {
+    if (!seekable_ || fd_ < 0) {
+        return false;
+    }
+    auto* bytes = static_cast<unsigned char*>(into);
+    while (size > 0) {
+        const ssize_t got = ::pread(fd_, bytes, size, static_cast<off_t>(offset));
+        if (got < 0 && errno == EINTR) {
+            continue;
+        }
+        if (got <= 0) {
+            return false;
+        }
+        bytes += got;
+        size -= static_cast<std::size_t>(got);
+        offset += static_cast<std::uint64_t>(got);
+    }
+    return true;
 }
 
 int ArchiveFileSource::closeCallback(::archive*, void* self) {
@@ -139,14 +199,17 @@ void ArchiveFileSource::drain() {
         return;
     }
     for (;;) {
-        const ssize_t got = ::read(fd_, buffer_.data(), buffer_.size());
+        Block& block = nextBlock();
+        const ssize_t got = ::read(fd_, block.bytes.data(), block.bytes.size());
         if (got < 0 && errno == EINTR) {
             continue;
         }
         if (got <= 0) {
             return;
         }
-        saw(buffer_.data(), static_cast<std::size_t>(got));
+        block.size = static_cast<std::size_t>(got);
+        position_ += block.size;
+        saw(block.bytes.data(), block.size);
     }
 }
 

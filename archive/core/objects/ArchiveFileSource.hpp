@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -41,6 +42,12 @@ class ArchiveFileSource {
     bool rereadable() const noexcept { return seekable_; }
     // Feeds the whole input, from its start, to a check (a rereadable input only).
     void rereadInto(CompressedStreamCheck& check);
+    // Reads exactly size bytes at offset without moving libarchive's position (a rereadable
+    // input only); false when they are not all there.
+    bool readAt(std::uint64_t offset, void* into, std::size_t size) const;
+    // The same from the last blocks handed to libarchive, which a pipe cannot give again;
+    // false when they are not all among them.
+    bool readRecent(std::uint64_t offset, void* into, std::size_t size) const;
 
     std::uint64_t bytesRead() const noexcept { return bytesRead_; }
     // The file's size when it is a regular file, else 0.
@@ -54,13 +61,23 @@ class ArchiveFileSource {
     static int closeCallback(::archive* handle, void* self);
 
     la_ssize_t readBlock(::archive* handle);
+    // The next block of the ring, its bytes read at the input's current position.
+    struct Block {
+        std::vector<unsigned char> bytes;
+        std::uint64_t at = 0;
+        std::size_t size = 0;
+    };
+    Block& nextBlock();
     void saw(const unsigned char* bytes, std::size_t size);
 
     std::string path_;
     int fd_ = -1;
     bool ownsFd_;
     bool seekable_ = false;
-    std::vector<unsigned char> buffer_;
+    // libarchive keeps only the last block it was given; the ones before stay readable.
+    std::array<Block, 4> blocks_;
+    std::size_t current_ = 0;
+    std::uint64_t position_ = 0;
     std::unique_ptr<CompressedStreamCheck> check_;
     std::uint64_t bytesRead_ = 0;
     std::uint64_t totalBytes_ = 0;

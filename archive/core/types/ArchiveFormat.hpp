@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -15,6 +16,9 @@ enum class ArchiveFormat : std::int32_t {
     Gz = 4,
     Tgz = 5,
 };
+
+// The zip format's name field holds this many bytes; libarchive does not check it.
+inline constexpr std::size_t kZipEntryNameLimit = 65535;
 
 // "zip", "tar", "gz", "tgz", "all" compared exactly; anything else is Invalid.
 ArchiveFormat archiveFormatFromText(const std::u16string& text);

@@ -158,6 +158,7 @@ TEST(MessageClasses, MatchTheCatalogueOneToOne) {
         msg::createArchive::unknownArchiveType(p),
         msg::createArchive::invalidCompression(p, p),
         msg::createArchive::writeError(p),
+        msg::createArchive::entryNameTooLong(p, s, s),
         msg::gzip::outputDiskFull(p),
         msg::gunzip::outputIsInput(p),
         msg::testArchive::damagedEntry(p, p, s),

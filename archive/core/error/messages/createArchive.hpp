@@ -21,5 +21,7 @@ TQ_MESSAGE_CLASS("TESSEL:io:archive:createArchive", cancelled, 0);
 TQ_MESSAGE_CLASS("TESSEL:io:archive:createArchive", unknownArchiveType, 1);  // archive path
 TQ_MESSAGE_CLASS("TESSEL:io:archive:createArchive", invalidCompression, 2);  // filter, level
 TQ_MESSAGE_CLASS("TESSEL:io:archive:createArchive", writeError, 1);          // archive path
+// archive path, the name's length in bytes, the most the format holds
+TQ_MESSAGE_CLASS("TESSEL:io:archive:createArchive", entryNameTooLong, 3);
 
 }  // namespace TESSEL::io::archive::createArchive
