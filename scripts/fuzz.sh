@@ -7,6 +7,8 @@
 #   scripts/fuzz.sh [SECONDS] [--with-open]   fuzz each target for SECONDS
 #   scripts/fuzz.sh --check [FILE...]         run every seed (or each FILE) once through
 #                                             each target, say which fail
+# TQ_FUZZ_FLAGS adds libFuzzer flags: "-fork=1 -ignore_crashes=1" goes on after a
+# finding (on one core), for a long run.
 # The hostile seeds extraction still gets wrong sit in seeds-open/, used only with
 # --with-open (or by --check): move a case to the main seeds once it is fixed.
 #
@@ -39,7 +41,7 @@ CC=clang CXX=clang++ cmake -S . -B build-fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo 
 cmake --build build-fuzz --target archive_fuzzer confinement_fuzzer -j "$(nproc)"
 
 results="$repo/build-fuzz/fuzz-results"
-rm -rf "$results"
+rm -rf "$results/seeds" "$results/seeds-open"  # earlier findings stay
 mkdir -p "$results/seeds" "$results/seeds-open"
 
 # Seeds: small valid archives of every kind, and truncated, corrupt and traversal ones.
@@ -127,6 +129,9 @@ mount -t tmpfs -o size=512m tmpfs /mnt
 mkdir /mnt/corpus /mnt/work
 for corpus in $CORPORA; do cp -r "$results/$corpus"/. /mnt/corpus/; done
 cd /mnt/work
+# libFuzzer's own files (-fork) go where the confinement check does not look.
+export TMPDIR="$results/tmp"
+rm -rf "$TMPDIR" && mkdir "$TMPDIR"
 ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1 \
   "$@" > "$log" 2>&1
 SANDBOX
@@ -155,12 +160,15 @@ fuzz_one() {
   local status=0 log="$results/$1.log" runs
   CORPORA="$corpora" sandboxed "$log" "$repo/build-fuzz/fuzz/$1" /mnt/corpus \
     -max_total_time="$seconds" -timeout=20 -rss_limit_mb=2048 -max_len=65536 \
-    -artifact_prefix="$results/$1-" -print_final_stats=1 || status=$?
+    -artifact_prefix="$results/$1-" -print_final_stats=1 ${TQ_FUZZ_FLAGS:-} || status=$?
   if [ "$status" -ne 0 ]; then
     tail -n 60 "$log" || true
     echo "Fuzzing $1 failed (status $status); artifacts in $results" >&2
   fi
   runs=$(grep -Eo 'stat::number_of_executed_units: *[0-9]+' "$log" | grep -Eo '[0-9]+$' || true)
+  if [ -z "$runs" ]; then  # -fork: the last progress line counts the children's runs
+    runs=$(grep -Eo '^#[0-9]+:' "$log" | tail -1 | tr -dc '0-9' || true)
+  fi
   grep -E 'stat::peak_rss_mb|cov:' "$log" | tail -2 || true
   echo "$1: ${runs:-unknown} executions in ${seconds}s"
   return "$status"
