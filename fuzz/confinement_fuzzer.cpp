@@ -104,6 +104,7 @@ std::set<fs::path> fileEntryNames(const std::uint8_t* data, std::size_t size) {
     std::set<fs::path> names;
     ::archive* reader = ::archive_read_new();
     ::archive_read_support_format_all(reader);
+    ::archive_read_support_format_raw(reader);  // a lone compressed file
     ::archive_read_support_filter_all(reader);
     ::archive_entry* entry = nullptr;
     if (::archive_read_open_memory(reader, data, size) == ARCHIVE_OK) {
@@ -140,7 +141,7 @@ struct Planted {
 };
 
 // The output folder and its surroundings, filled before each call. The names are those
-// hostile archives aim at (the seeds in scripts/fuzz.sh use them).
+// hostile archives aim at (fuzz/hostile_seeds.py uses them).
 std::vector<Planted> plant(const fs::path& scratch, const fs::path& out) {
     fs::create_directories(out / "dir");
     fs::create_directories(scratch / "outside");
