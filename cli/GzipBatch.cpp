@@ -35,6 +35,29 @@ bool endsInGz(std::string name) {
     return name.ends_with(".gz");
 }
 
+// Whether writing output would replace input: the same file reached by another route (a
+// linked folder, "..", a hard link). An output that does not exist yet is input only if
+// its folder is the input's folder and the names match.
+bool sameFile(const fs::path& output, const fs::path& input) {
+    struct stat in {};
+    if (::stat(input.c_str(), &in) != 0) {
+        return false;
+    }
+    struct stat out {};
+    if (::stat(output.c_str(), &out) == 0) {
+        return out.st_dev == in.st_dev && out.st_ino == in.st_ino;
+    }
+    struct stat outFolder {};
+    struct stat inFolder {};
+    const auto folderOf = [](const fs::path& path) {
+        return path.has_parent_path() ? path.parent_path() : fs::path(".");
+    };
+    return output.filename() == input.filename() &&
+           ::stat(folderOf(output).c_str(), &outFolder) == 0 &&
+           ::stat(folderOf(input).c_str(), &inFolder) == 0 && outFolder.st_dev == inFolder.st_dev &&
+           outFolder.st_ino == inFolder.st_ino;
+}
+
 }  // namespace
 
 GzipBatch::GzipBatch(const CommandLine& commandLine)
@@ -78,7 +101,7 @@ std::vector<GzipBatch::Job> GzipBatch::plan() const {
         Job job{input.diskPath, folder / fs::path(tessel::host::toUtf8(name))};
         if (!commandLine_.toStdout) {
             const fs::path output = InputWalker::normal(job.output);
-            if (output == InputWalker::normal(job.input)) {
+            if (output == InputWalker::normal(job.input) || sameFile(job.output, job.input)) {
                 raiseError("gunzipOutputIsInput", {text(job.input)});
             }
             const auto [previous, fresh] = producedBy.emplace(output, job.input);

@@ -1,16 +1,37 @@
 #!/usr/bin/env bash
 # Builds the libFuzzer targets with clang and runs each for SECONDS (default 60) on a seed
-# corpus made here with real tools: extraction of arbitrary bytes (any crash, leak,
-# undefined behaviour or hang fails), and confined extraction (anything written outside
-# the output folder fails too).
-#   scripts/fuzz.sh [SECONDS]
+# corpus made here with real tools and by fuzz/hostile_seeds.py: extraction of arbitrary
+# bytes (any crash, leak, undefined behaviour or hang fails), and confined extraction into
+# a folder among planted files (anything written outside the folder, or any planted file
+# changed in place or lost, fails too).
+#   scripts/fuzz.sh [SECONDS] [--with-open]   fuzz each target for SECONDS
+#   scripts/fuzz.sh --check [FILE...]         run every seed (or each FILE) once through
+#                                             each target, say which fail
+# TQ_FUZZ_FLAGS adds libFuzzer flags: "-fork=1 -ignore_crashes=1" goes on after a
+# finding (on one core), for a long run.
+# The hostile seeds extraction still gets wrong sit in seeds-open/, used only with
+# --with-open (or by --check): move a case to the main seeds once it is fixed.
 #
 # Extraction follows ".." and symbolic links in entry names by design, so the fuzzer runs
 # in a private mount namespace where every mount is read-only except its own tmpfs and
 # the results folder.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-seconds="${1:-60}"
+seconds=60 with_open=false check=false inputs=()
+for arg in "$@"; do
+  case "$arg" in
+    --with-open) with_open=true ;;
+    --check) check=true ;;
+    *[!0-9]* | "")
+      if $check && [ -f "$arg" ]; then
+        inputs+=("$(realpath "$arg")")
+      else
+        echo "usage: scripts/fuzz.sh [SECONDS] [--with-open] | --check [FILE...]" >&2
+        exit 2
+      fi ;;
+    *) seconds="$arg" ;;
+  esac
+done
 repo="$(pwd)"
 bash scripts/install-deps.sh
 
@@ -20,8 +41,8 @@ CC=clang CXX=clang++ cmake -S . -B build-fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo 
 cmake --build build-fuzz --target archive_fuzzer confinement_fuzzer -j "$(nproc)"
 
 results="$repo/build-fuzz/fuzz-results"
-rm -rf "$results"
-mkdir -p "$results/seeds"
+rm -rf "$results/seeds" "$results/seeds-open"  # earlier findings stay
+mkdir -p "$results/seeds" "$results/seeds-open"
 
 # Seeds: small valid archives of every kind, and truncated, corrupt and traversal ones.
 make_seeds() {
@@ -86,16 +107,19 @@ PY
   printf 'not an archive\n' > "$seeds/text"
 }
 make_seeds "$results/seeds"
-echo "Seed corpus: $(ls "$results/seeds" | wc -l) files"
+# Where the confinement target plants its files (the tmpfs the sandbox mounts).
+python3 fuzz/hostile_seeds.py "$results/seeds" "$results/seeds-open" /mnt/work/confinement-scratch
+echo "Seed corpus: $(ls "$results/seeds" | wc -l) files, and $(ls "$results/seeds-open" | wc -l) known to fail in seeds-open/"
 
 # In the namespace: every mount read-only, then a tmpfs to work in and the results folder
-# writable again. The run's output goes to the results folder.
-fuzz_one() {
-status=0
-fuzzer="$repo/build-fuzz/fuzz/$1"
-unshare --mount --propagation private bash -s -- "$fuzzer" "$results" "$seconds" <<'SANDBOX' || status=$?
+# writable again. Runs the fuzzer from /mnt/work with the arguments given, the corpus
+# folders named in CORPORA copied to /mnt/corpus first; its output goes to LOG.
+sandboxed() {
+  local log="$1"
+  shift
+  unshare --mount --propagation private bash -s -- "$results" "$log" "$@" <<'SANDBOX'
 set -euo pipefail
-fuzzer="$1"; results="$2"; seconds="$3"
+results="$1"; log="$2"; shift 2
 for target in $(findmnt -rno TARGET | sort -r); do
   mount -o remount,bind,ro "$target" 2>/dev/null || true
 done
@@ -103,21 +127,53 @@ mount --bind "$results" "$results"
 mount -o remount,bind,rw "$results"
 mount -t tmpfs -o size=512m tmpfs /mnt
 mkdir /mnt/corpus /mnt/work
-cp "$results"/seeds/* /mnt/corpus/
+for corpus in $CORPORA; do cp -r "$results/$corpus"/. /mnt/corpus/; done
 cd /mnt/work
+# libFuzzer's own files (-fork) go where the confinement check does not look.
+export TMPDIR="$results/tmp"
+rm -rf "$TMPDIR" && mkdir "$TMPDIR"
 ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1 \
-  "$fuzzer" /mnt/corpus -max_total_time="$seconds" -timeout=20 -rss_limit_mb=2048 \
-  -max_len=65536 -artifact_prefix="$results/" -print_final_stats=1 > "$results/fuzz.log" 2>&1
+  "$@" > "$log" 2>&1
 SANDBOX
-if [ "$status" -ne 0 ]; then
-  tail -n 60 "$results/fuzz.log" || true
-  echo "Fuzzing $1 failed (status $status); artifacts in $results" >&2
-fi
-runs=$(grep -Eo 'Done [0-9]+ runs' "$results/fuzz.log" | grep -Eo '[0-9]+' || true)
-grep -E 'stat::number_of_executed_units|stat::peak_rss_mb|cov:' "$results/fuzz.log" | tail -3 || true
-cp "$results/fuzz.log" "$results/$1.log"
-echo "$1: ${runs:-unknown} executions in ${seconds}s"
-return $status
 }
-fuzz_one archive_fuzzer
-fuzz_one confinement_fuzzer
+
+if $check; then
+  failing=0
+  if [ ${#inputs[@]} -eq 0 ]; then inputs=("$results"/seeds/* "$results"/seeds-open/*); fi
+  for seed in "${inputs[@]}"; do
+    for target in archive_fuzzer confinement_fuzzer; do
+      if CORPORA="" sandboxed "$results/check.log" "$repo/build-fuzz/fuzz/$target" "$seed"; then
+        echo "passes  $target ${seed#"$results"/}"
+      else
+        failing=$((failing + 1))
+        echo "FAILS   $target ${seed#"$results"/}: $(grep -m1 -E 'confinement broken|ERROR: ' "$results/check.log" || true)"
+      fi
+    done
+  done
+  echo "$failing failing"
+  exit 0
+fi
+
+corpora=seeds
+if $with_open; then corpora="seeds seeds-open"; fi
+fuzz_one() {
+  local status=0 log="$results/$1.log" runs
+  CORPORA="$corpora" sandboxed "$log" "$repo/build-fuzz/fuzz/$1" /mnt/corpus \
+    -max_total_time="$seconds" -timeout=20 -rss_limit_mb=2048 -max_len=65536 \
+    -artifact_prefix="$results/$1-" -print_final_stats=1 ${TQ_FUZZ_FLAGS:-} || status=$?
+  if [ "$status" -ne 0 ]; then
+    tail -n 60 "$log" || true
+    echo "Fuzzing $1 failed (status $status); artifacts in $results" >&2
+  fi
+  runs=$(grep -Eo 'stat::number_of_executed_units: *[0-9]+' "$log" | grep -Eo '[0-9]+$' || true)
+  if [ -z "$runs" ]; then  # -fork: the last progress line counts the children's runs
+    runs=$(grep -Eo '^#[0-9]+:' "$log" | tail -1 | tr -dc '0-9' || true)
+  fi
+  grep -E 'stat::peak_rss_mb|cov:' "$log" | tail -2 || true
+  echo "$1: ${runs:-unknown} executions in ${seconds}s"
+  return "$status"
+}
+failed=0
+fuzz_one archive_fuzzer || failed=1
+fuzz_one confinement_fuzzer || failed=1
+exit "$failed"

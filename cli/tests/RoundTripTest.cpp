@@ -45,7 +45,12 @@ TEST(RoundTrip, LinksAreFollowedLoopsAndBrokenLinksWarnedNothingPackedTwice) {
        "cd tree && ln -s readme.txt link.txt && ln -s docs docs-link && ln -s .. docs/up && "
        "ln -s nowhere broken");
     // "." under -C packs the contents; docs is also reached through "." and listed twice.
-    const auto packed = tqarchive(dir.path(), "zip t.zip . docs docs/résumé.txt -C tree");
+    // A walk that missed the loop would not end: it gets 10 s, then SIGTERM (status 124)
+    // and, should it go on, SIGKILL (137).
+    const auto packed =
+        tqarchive(dir.path(), "zip t.zip . docs docs/résumé.txt -C tree", "timeout -k 2 10");
+    ASSERT_TRUE(packed.status != 124 && packed.status != 137)
+        << "the walk did not end: the loop was not seen";
     ASSERT_TRUE(packed.status == 0 && reports(packed, "tqarchive:symlinkLoop") &&
                 reports(packed, "tqarchive:brokenLink"))
         << packed.err;
