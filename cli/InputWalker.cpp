@@ -65,6 +65,10 @@ void InputWalker::add(const fs::path& input, const fs::path& base) {
         }
         raiseError("inputNotFound", {input.string(), errnoText(code)});
     }
+    if (!S_ISREG(info.st_mode) && !S_ISDIR(info.st_mode)) {
+        // Named by the user, it was asked for: leaving it out would end the run as if done.
+        raiseError("unsupportedFileType", {input.string()});
+    }
     // The folders that really contain the input count as ancestors too, so that a link
     // to one of them (to "/", say) is a loop rather than a walk of the whole disk.
     std::vector<FileId> ancestors;

@@ -74,6 +74,18 @@ TEST(DataSafety, ALinkNamedAsAnInputIsStillFollowed) {
     EXPECT_EQ(sh(work.path(), "gzip -dc named.txt.gz"), "through a link named by the user\n");
 }
 
+TEST(DataSafety, APipeNamedAsAnInputFailsTheRunInsteadOfBeingLeftOut) {
+    TempDir work;
+    sh(work.path(), "mkfifo pipe");
+    for (const std::string command : {"gzip pipe", "tar t.tar pipe", "zip t.zip pipe"}) {
+        SCOPED_TRACE(command);
+        const CliResult result = tqarchive(work.path(), command);
+        EXPECT_EQ(result.status, 1) << result.err;
+        EXPECT_TRUE(reports(result, "tqarchive:unsupportedFileType")) << result.err;
+    }
+    EXPECT_EQ(sh(work.path(), "ls -A"), "pipe\n");
+}
+
 struct ModeCase {
     std::string name;
     std::string setup;    // shell lines run first in the work folder
