@@ -136,9 +136,17 @@ void CreatedPaths::confirm(const std::string& path, const Plan& plan, bool isFol
         if (!index_.contains(target)) {
             remember(target, plan.target, false, false);
         }
-    } else if (const auto replaced = index_.find(target); replaced != index_.end()) {
-        if (folders_[replaced->second].created) {
+    } else {
+        if (const auto replaced = index_.find(target);
+            replaced != index_.end() && folders_[replaced->second].created) {
             trustCreated_ = false;
+        }
+        // What replaces an object this call made is its own as well: looked at once the
+        // entry is finished (a replacement is renamed into place only then).
+        const auto parent = index_.find(parentOf(target));
+        if (parent != index_.end() && folders_[parent->second].made.contains(nameOf(target))) {
+            recordMade(target);
+            unsettled_.push_back(target);
         }
     }
 }
