@@ -132,5 +132,54 @@ TEST(ExtractSafety, ASignalDuringTheDataOfALinkLeavesTheFileItNamesAsItWas) {
     EXPECT_EQ(names, std::vector<std::string>{"victim.txt"});
 }
 
+// Waits for out/d, puts the link out/s (to other) beside it, then swaps the two names with
+// renameat2's RENAME_EXCHANGE until killed.
+const char* kRacer = R"(import ctypes, os, sys
+libc = ctypes.CDLL(None, use_errno=True)
+out, other = sys.argv[1], sys.argv[2]
+d, s = (out + '/d').encode(), (out + '/s').encode()
+open(out + '.ready', 'w').close()
+while not os.path.isdir(d): pass
+os.symlink(os.path.abspath(other), s)
+while True: libc.renameat2(-100, d, -100, s, 2)
+)";
+
+// While untar runs, another process swaps out/d, which it made, with a link to another
+// folder; an entry that gets out comes last and makes the run take back what it made. The
+// other folder keeps every file, whenever the swaps came.
+TEST(ExtractSafety, ACleanupRacingAFolderSwapRemovesNothingOfTheFolderSwappedIn) {
+    REQUIRE_TOOLS("python3");
+    TempDir dir;
+    python(dir.path(),
+           "tar('race.tar', folder('d'), *[reg('d/f%05d' % n, b'ours') for n in range(8000)], "
+           "reg('../x', b'out'))\n"
+           "for attempt in range(2):\n"
+           "    os.makedirs('other%d' % attempt)\n"
+           "    for n in range(8000): open('other%d/f%05d' % (attempt, n), 'w').write('theirs')");
+    writeFile(dir / "racer.py", kRacer);
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        SCOPED_TRACE("attempt " + std::to_string(attempt));
+        const std::string out = "out" + std::to_string(attempt);
+        const std::string other = "other" + std::to_string(attempt);
+        const std::string run =
+            "{ python3 racer.py " + out + " " + other +
+            " & racer=$!; for i in $(seq 1000); do test -e " + out +
+            ".ready && break; sleep 0.01; done; " + program() + " untar race.tar -d " + out +
+            " 2>err; echo status=$?; kill $racer; wait $racer; true; } 2>/dev/null";
+        // The shell may report the racer killed: only the run's own status is looked at.
+        const std::string printed = sh(dir.path(), run);
+        EXPECT_NE(printed.find("status=1\n"), std::string::npos) << printed;
+        const CliResult said{{}, readFile(dir / "err")};
+        EXPECT_TRUE(reports(said, "TESSEL:io:archive:extractArchive:entryOutsideFolder") ||
+                    reports(said, "TESSEL:io:archive:extractArchive:entryThroughSymlink"))
+            << said.err;
+        std::size_t theirs = 0;
+        for (const auto& item : fs::directory_iterator(dir / other)) {
+            theirs += readFile(item.path()) == "theirs" ? 1 : 0;
+        }
+        EXPECT_EQ(theirs, 8000U) << "the cleanup removed files of the other folder";
+    }
+}
+
 }  // namespace
 }  // namespace clitest
