@@ -194,7 +194,7 @@ void CreatedPaths::settle() {
 // Walks down from "/" or from the folder held at the start. A recorded folder must still be
 // the object recorded, and is not a link unless it was one before; beneath one, no level
 // may be a link. -1 when the walk cannot reach the folder it recorded.
-int CreatedPaths::openFolder(const std::string& path) const noexcept {
+int CreatedPaths::openFolder(const std::string& path) const {
     const bool absolute = !path.empty() && path.front() == '/';
     Descriptor current(absolute ? ::open("/", kFolderFlags)
                                 : (start_ >= 0 ? ::fcntl(start_, F_DUPFD_CLOEXEC, 0) : -1));
@@ -225,31 +225,35 @@ int CreatedPaths::openFolder(const std::string& path) const noexcept {
     return current.release();
 }
 
+void CreatedPaths::removeMadeIn(const Folder& folder) const {
+    const Descriptor opened(openFolder(folder.path));
+    if (opened.get() < 0) {
+        return;  // moved, replaced or turned into a link: nothing is removed through it
+    }
+    for (const auto& [name, made] : folder.made) {
+        struct stat status {};
+        if (::fstatat(opened.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0 ||
+            !same(made.identity, status) || S_ISDIR(status.st_mode) != made.isFolder) {
+            continue;  // not what this call made
+        }
+        // A folder only when empty: anything else in it is not ours.
+        ::unlinkat(opened.get(), name.c_str(), made.isFolder ? AT_REMOVEDIR : 0);
+    }
+}
+
 void CreatedPaths::removeAll() noexcept {
     try {
         settle();
-    } catch (...) {
-        // Without memory, what it made stays recorded as it was first seen.
-    }
-    // A folder is recorded after the one it lies in: backwards, what is in a folder goes
-    // before the folder.
-    for (auto folder = folders_.rbegin(); folder != folders_.rend(); ++folder) {
-        if (folder->made.empty()) {
-            continue;
-        }
-        const Descriptor opened(openFolder(folder->path));
-        if (opened.get() < 0) {
-            continue;  // moved, replaced or turned into a link: nothing is removed through it
-        }
-        for (const auto& [name, made] : folder->made) {
-            struct stat status {};
-            if (::fstatat(opened.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0 ||
-                !same(made.identity, status) || S_ISDIR(status.st_mode) != made.isFolder) {
-                continue;  // not what this call made
+        // A folder is recorded after the one it lies in: backwards, what is in a folder goes
+        // before the folder.
+        for (auto folder = folders_.rbegin(); folder != folders_.rend(); ++folder) {
+            if (!folder->made.empty()) {
+                removeMadeIn(*folder);
             }
-            // A folder only when empty: anything else in it is not ours.
-            ::unlinkat(opened.get(), name.c_str(), made.isFolder ? AT_REMOVEDIR : 0);
         }
+    } catch (...) {
+        // Out of memory while taking back: what is left stays, the failure reported matters
+        // more.
     }
     folders_.clear();
     index_.clear();

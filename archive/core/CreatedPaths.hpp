@@ -72,7 +72,8 @@ class CreatedPaths {
     void remember(const std::string& path, const Identity& identity, bool created, bool followed);
     void recordMade(const std::string& path);
     void settle();
-    int openFolder(const std::string& path) const noexcept;
+    int openFolder(const std::string& path) const;
+    void removeMadeIn(const Folder& folder) const;
 
     // Stable addresses: the index refers to the paths they hold.
     std::deque<Folder> folders_;
