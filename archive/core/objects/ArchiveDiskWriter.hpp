@@ -25,7 +25,9 @@ class ArchiveDiskWriter {
     // As the options say: confine (libarchive's secure-extraction flags, on the folder's
     // canonical form; listed paths are still shown under the caller's name), safeWrites
     // (a replacement goes through a temporary), keepExisting (an existing file is left
-    // alone; the caller warns before that happens).
+    // alone; the caller warns before that happens). With either of the last two, a hard link
+    // carrying data gets a file of its own instead of writing into the file it names; with
+    // safe writes, a folder entry still replaces a file in its way.
     ArchiveDiskWriter(const std::u16string& outputFolder, const ExtractOptions& options);
     ~ArchiveDiskWriter();
     ArchiveDiskWriter(const ArchiveDiskWriter&) = delete;
