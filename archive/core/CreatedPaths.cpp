@@ -1,10 +1,10 @@
 #include <archive/core/CreatedPaths.hpp>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstdio>
-#include <string_view>
+#include <utility>
 
 namespace tessel::io::archive::core {
 
@@ -18,80 +18,247 @@ std::string parentOf(const std::string& path) {
     return slash == 0 ? std::string("/") : path.substr(0, slash);
 }
 
+std::string nameOf(const std::string& path) {
+    const std::size_t slash = path.find_last_of('/');
+    return slash == std::string::npos ? path : path.substr(slash + 1);
+}
+
+std::string withoutTrailingSeparators(std::string path) {
+    while (path.size() > 1 && path.back() == '/') {
+        path.pop_back();
+    }
+    return path;
+}
+
+// "." and ".." name other things than what an entry made.
+bool isOwnName(std::string_view name) {
+    return !name.empty() && name != "." && name != "..";
+}
+
+CreatedPaths::Identity identityOf(const struct stat& status) {
+    return {status.st_dev, status.st_ino};
+}
+
+bool same(const CreatedPaths::Identity& identity, const struct stat& status) {
+    return identity.device == status.st_dev && identity.inode == status.st_ino;
+}
+
+class Descriptor {
+  public:
+    explicit Descriptor(int fd) noexcept : fd_(fd) {}
+    ~Descriptor() {
+        if (fd_ >= 0) {
+            ::close(fd_);
+        }
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    int get() const noexcept { return fd_; }
+    int release() noexcept { return std::exchange(fd_, -1); }
+    void reset(int fd) noexcept {
+        if (fd_ >= 0) {
+            ::close(fd_);
+        }
+        fd_ = fd;
+    }
+
+  private:
+    int fd_;
+};
+
+constexpr int kFolderFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
+
 }  // namespace
 
-CreatedPaths::Plan CreatedPaths::plan(const std::string& path) {
-    Plan plan;
-    std::string target = path;
-    while (target.size() > 1 && target.back() == '/') {
-        target.pop_back();
+CreatedPaths::~CreatedPaths() {
+    if (start_ >= 0) {
+        ::close(start_);
     }
-    // Nothing was in a folder this call made but what the call put there ("." and ".."
-    // name other things).
-    const std::size_t slash = target.find_last_of('/');
-    const std::string_view name =
-        std::string_view(target).substr(slash == std::string::npos ? 0 : slash + 1);
-    if (name != "." && name != ".." && createdFolders_.contains(parentOf(target)) &&
-        !createdItems_.contains(target) && !createdFolders_.contains(target)) {
-        return plan;
+}
+
+CreatedPaths::Plan CreatedPaths::plan(const std::string& path) {
+    if (start_ < 0) {
+        start_ = ::open(".", kFolderFlags);
+    }
+    Plan plan;
+    const std::string target = withoutTrailingSeparators(path);
+    // Nothing was in a folder this call made but what the call put there.
+    const std::string name = nameOf(target);
+    if (trustCreated_ && isOwnName(name)) {
+        const auto parent = index_.find(parentOf(target));
+        if (parent != index_.end() && folders_[parent->second].created &&
+            !folders_[parent->second].made.contains(name)) {
+            return plan;
+        }
     }
     struct stat status {};
     if (::lstat(target.c_str(), &status) == 0) {
         plan.targetExists = true;
         plan.targetIsFolder = S_ISDIR(status.st_mode);
+        plan.target = identityOf(status);
         return plan;
     }
     for (std::string folder = parentOf(target);
-         !folder.empty() && folder != "/" && !knownFolders_.contains(folder);
-         folder = parentOf(folder)) {
+         !folder.empty() && folder != "/" && !index_.contains(folder); folder = parentOf(folder)) {
         if (::lstat(folder.c_str(), &status) == 0) {
-            knownFolders_.insert(folder);
-            break;
+            if (S_ISDIR(status.st_mode)) {
+                remember(folder, identityOf(status), false, false);
+                break;
+            }
+            if (S_ISLNK(status.st_mode) && ::stat(folder.c_str(), &status) == 0 &&
+                S_ISDIR(status.st_mode)) {
+                remember(folder, identityOf(status), false, true);
+                break;
+            }
+            plan.fileInTheWay = folder;
         }
         plan.missingFolders.insert(plan.missingFolders.begin(), folder);
     }
     return plan;
 }
 
-void CreatedPaths::confirm(const std::string& path, const Plan& plan, bool isFolder) {
-    std::string target = path;
-    while (target.size() > 1 && target.back() == '/') {
-        target.pop_back();
-    }
+void CreatedPaths::confirm(const std::string& path, const Plan& plan, bool isFolder,
+                           bool settlesLater) {
+    // The entry before is finished once this one's header is written.
+    settle();
+    const std::string target = withoutTrailingSeparators(path);
     for (const std::string& folder : plan.missingFolders) {
-        created_.push_back(folder);
-        knownFolders_.insert(folder);
-        createdFolders_.insert(folder);
+        recordMade(folder);
     }
-    if (!plan.targetExists) {
-        created_.push_back(target);
-        (isFolder ? createdFolders_ : createdItems_).insert(target);
-    } else if (!isFolder && createdFolders_.contains(target)) {
-        // A folder made here is replaced (by a link, say): paths beneath it may lead
-        // elsewhere now, so every entry is looked up again.
-        createdFolders_.clear();
+    if (!plan.targetExists || (isFolder && !plan.targetIsFolder)) {
+        // New, or a folder that replaced a file.
+        recordMade(target);
+        if (settlesLater) {
+            unsettled_.push_back(target);
+        }
+    } else if (isFolder) {
+        if (!index_.contains(target)) {
+            remember(target, plan.target, false, false);
+        }
+    } else {
+        if (const auto replaced = index_.find(target);
+            replaced != index_.end() && folders_[replaced->second].created) {
+            trustCreated_ = false;
+        }
+        // What replaces an object this call made is its own as well: looked at once the
+        // entry is finished (a replacement is renamed into place only then).
+        const auto parent = index_.find(parentOf(target));
+        if (parent != index_.end() && folders_[parent->second].made.contains(nameOf(target))) {
+            recordMade(target);
+            unsettled_.push_back(target);
+        }
     }
+}
+
+CreatedPaths::Folder& CreatedPaths::folder(const std::string& path) {
+    if (const auto found = index_.find(path); found != index_.end()) {
+        return folders_[found->second];
+    }
+    Folder added;
+    added.path = path;
+    folders_.push_back(std::move(added));
+    index_.emplace(folders_.back().path, folders_.size() - 1);
+    return folders_.back();
+}
+
+void CreatedPaths::remember(const std::string& path, const Identity& identity, bool created,
+                            bool followed) {
+    Folder& known = folder(path);
+    known.identity = identity;
+    known.created = created;
+    known.followed = followed;
+}
+
+// One query per object made: what is there now is what the cleanup may take back.
+void CreatedPaths::recordMade(const std::string& path) {
+    const std::string name = nameOf(path);
+    struct stat status {};
+    if (!isOwnName(name) || ::lstat(path.c_str(), &status) != 0) {
+        return;
+    }
+    const bool isFolder = S_ISDIR(status.st_mode);
+    folder(parentOf(path)).made[name] = Made{identityOf(status), isFolder};
     if (isFolder) {
-        knownFolders_.insert(target);
+        remember(path, identityOf(status), true, false);
+    }
+}
+
+void CreatedPaths::settle() {
+    for (const std::string& path : unsettled_) {
+        recordMade(path);
+    }
+    unsettled_.clear();
+}
+
+// Walks down from "/" or from the folder held at the start. A recorded folder must still be
+// the object recorded, and is not a link unless it was one before; beneath one, no level
+// may be a link. -1 when the walk cannot reach the folder it recorded.
+int CreatedPaths::openFolder(const std::string& path) const {
+    const bool absolute = !path.empty() && path.front() == '/';
+    Descriptor current(absolute ? ::open("/", kFolderFlags)
+                                : (start_ >= 0 ? ::fcntl(start_, F_DUPFD_CLOEXEC, 0) : -1));
+    bool belowRecorded = false;
+    std::size_t begin = absolute ? 1 : 0;
+    while (current.get() >= 0 && begin < path.size()) {
+        std::size_t end = path.find('/', begin);
+        if (end == std::string::npos) {
+            end = path.size();
+        }
+        if (end > begin) {
+            const std::string name = path.substr(begin, end - begin);
+            const auto found = index_.find(std::string_view(path).substr(0, end));
+            const Folder* known = found == index_.end() ? nullptr : &folders_[found->second];
+            const bool noLinks = known != nullptr ? !known->followed : belowRecorded;
+            current.reset(
+                ::openat(current.get(), name.c_str(), kFolderFlags | (noLinks ? O_NOFOLLOW : 0)));
+            struct stat status {};
+            if (current.get() >= 0 &&
+                (::fstat(current.get(), &status) != 0 || !S_ISDIR(status.st_mode) ||
+                 (known != nullptr && known->identity && !same(*known->identity, status)))) {
+                current.reset(-1);
+            }
+            belowRecorded = belowRecorded || known != nullptr;
+        }
+        begin = end + 1;
+    }
+    return current.release();
+}
+
+void CreatedPaths::removeMadeIn(const Folder& folder) const {
+    const Descriptor opened(openFolder(folder.path));
+    if (opened.get() < 0) {
+        return;  // moved, replaced or turned into a link: nothing is removed through it
+    }
+    for (const auto& [name, made] : folder.made) {
+        struct stat status {};
+        if (::fstatat(opened.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0 ||
+            !same(made.identity, status) || S_ISDIR(status.st_mode) != made.isFolder) {
+            continue;  // not what this call made
+        }
+        // A folder only when empty: anything else in it is not ours.
+        ::unlinkat(opened.get(), name.c_str(), made.isFolder ? AT_REMOVEDIR : 0);
     }
 }
 
 void CreatedPaths::removeAll() noexcept {
-    for (auto path = created_.rbegin(); path != created_.rend(); ++path) {
-        struct stat status {};
-        if (::lstat(path->c_str(), &status) != 0) {
-            continue;
+    try {
+        settle();
+        // A folder is recorded after the one it lies in: backwards, what is in a folder goes
+        // before the folder.
+        for (auto folder = folders_.rbegin(); folder != folders_.rend(); ++folder) {
+            if (!folder->made.empty()) {
+                removeMadeIn(*folder);
+            }
         }
-        if (S_ISDIR(status.st_mode)) {
-            ::rmdir(path->c_str());  // only when empty: anything else in it is not ours
-        } else {
-            ::unlink(path->c_str());
-        }
+    } catch (...) {
+        // Out of memory while taking back: what is left stays, the failure reported matters
+        // more.
     }
-    created_.clear();
-    knownFolders_.clear();
-    createdFolders_.clear();
-    createdItems_.clear();
+    folders_.clear();
+    index_.clear();
+    unsettled_.clear();
+    trustCreated_ = true;
 }
 
 }  // namespace tessel::io::archive::core

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <optional>
+#include <unordered_set>
 
 #include <archive/core/CreatedPaths.hpp>
 #include <archive/core/EntrySafety.hpp>
@@ -46,6 +47,8 @@ std::vector<std::u16string> extractEntries(const std::u16string& archivePath,
     std::unique_ptr<ArchiveDiskReader> reader;
     std::unique_ptr<ArchiveDiskWriter> writer;
     CreatedPaths created;
+    // Files kept where the archive has a folder: what goes beneath them is skipped with them.
+    std::unordered_set<std::string> keptInTheWay;
     std::u16string currentEntry;
     bool entryInProgress = false;
     bool replacing = false;
@@ -131,6 +134,18 @@ std::vector<std::u16string> extractEntries(const std::u16string& archivePath,
                     TESSEL::io::archive::extractArchive::existingFileKept(
                         tessel::host::fromFileSystemText(path))
                         .warn();
+                    if (isFolderEntry(entry)) {
+                        keptInTheWay.insert(path.substr(0, path.find_last_not_of('/') + 1));
+                    }
+                    archive_entry_clear(entry);
+                    continue;
+                }
+                if (options.keepExisting && !plan.fileInTheWay.empty()) {
+                    if (keptInTheWay.insert(plan.fileInTheWay).second) {
+                        TESSEL::io::archive::extractArchive::existingFileKept(
+                            tessel::host::fromFileSystemText(plan.fileInTheWay))
+                            .warn();
+                    }
                     archive_entry_clear(entry);
                     continue;
                 }
@@ -142,7 +157,7 @@ std::vector<std::u16string> extractEntries(const std::u16string& archivePath,
             entryInProgress = true;
             replacing = plan.targetExists;
             if (tracksPaths) {
-                created.confirm(path, plan, isFolderEntry(entry));
+                created.confirm(path, plan, isFolderEntry(entry), writer->writesThroughTemporary());
             }
             hooks.readFailed = false;
             copyEntryData(block, *reader, *writer, entry, hooks);

@@ -135,7 +135,8 @@ ArchiveDiskWriter::ArchiveDiskWriter(const std::u16string& outputFolder,
                                      const ExtractOptions& options)
     : outputFolder_(tessel::host::HostPath::fromText(outputFolder, "outputFolder")),
       confine_(options.confine),
-      safeWrites_(options.safeWrites) {
+      safeWrites_(options.safeWrites),
+      ownFileForLinkData_(options.safeWrites || options.keepExisting) {
     if (confine_) {
         shownFolder_ = outputFolder;
         outputFolder_ = canonicalFolder(outputFolder_);
@@ -144,6 +145,7 @@ ArchiveDiskWriter::ArchiveDiskWriter(const std::u16string& outputFolder,
 }
 
 void ArchiveDiskWriter::open(int flags) {
+    flags_ = flags;
     handle_.reset(archive_write_disk_new());
     if (!handle_) {
         throw std::bad_alloc();
@@ -170,7 +172,7 @@ bool ArchiveDiskWriter::writeHeader(::archive_entry* entry,
     }
 
     ::archive* handle = handle_.get();
-    if (archive_write_header(handle, entry) != ARCHIVE_OK) {
+    if (writeEntryHeader(entry) != ARCHIVE_OK) {
         const std::string message = libarchiveErrorString(handle, 1);
         // A confined writer's refusal is no skipped entry: the archive tried to get out.
         if (const auto refusal = confine_ ? securityRefusal(message) : std::nullopt) {
@@ -188,6 +190,57 @@ bool ArchiveDiskWriter::writeHeader(::archive_entry* entry,
     currentEntryPath_ = std::move(path);
     ARCHIVE_LOG(LogStep) << "Wrote extracted entry file to disk-->" << *currentEntryPath_;
     return true;
+}
+
+int ArchiveDiskWriter::writeEntryHeader(::archive_entry* entry) {
+    ::archive* handle = handle_.get();
+    if (optionsChanged_) {
+        // The entry before is finished with the options it was begun with.
+        archive_write_finish_entry(handle);
+        archive_write_disk_set_options(handle, flags_);
+        optionsChanged_ = false;
+    }
+    linkDataToTemporary_ = false;
+    if (ownFileForLinkData_ && archive_entry_hardlink(entry) != nullptr &&
+        archive_entry_size_is_set(entry) != 0 && archive_entry_size(entry) > 0) {
+        return writeLinkThenFile(entry);
+    }
+    if ((flags_ & ARCHIVE_EXTRACT_SAFE_WRITES) != 0 && archive_entry_filetype(entry) == AE_IFDIR) {
+        // Safe writes pick their temporary by what is in the way: over a file, a folder
+        // entry would leave an empty file in its place. A folder replaces a file outright.
+        useOptionsForThisEntry(flags_ & ~ARCHIVE_EXTRACT_SAFE_WRITES);
+    }
+    return archive_write_header(handle, entry);
+}
+
+// libarchive writes the data of a hard link into the file it links to, in place: into every
+// other name of that file as well, outside the output folder too. The link is made alone
+// first, so that its target is judged (and refused) as any link's; then the data goes to a
+// file of its own, which replaces the link through a temporary and a rename.
+int ArchiveDiskWriter::writeLinkThenFile(::archive_entry* entry) {
+    ::archive* handle = handle_.get();
+    const la_int64_t size = archive_entry_size(entry);
+    archive_entry_set_size(entry, 0);
+    int status = archive_write_header(handle, entry);
+    archive_entry_set_size(entry, size);
+    if (status != ARCHIVE_OK) {
+        return status;
+    }
+    status = archive_write_finish_entry(handle);
+    if (status != ARCHIVE_OK) {
+        return status;
+    }
+    archive_entry_set_hardlink(entry, nullptr);
+    archive_entry_set_filetype(entry, AE_IFREG);
+    // The link just made is in the way whether or not existing files are kept.
+    useOptionsForThisEntry((flags_ | ARCHIVE_EXTRACT_SAFE_WRITES) & ~ARCHIVE_EXTRACT_NO_OVERWRITE);
+    linkDataToTemporary_ = true;
+    return archive_write_header(handle, entry);
+}
+
+void ArchiveDiskWriter::useOptionsForThisEntry(int flags) {
+    archive_write_disk_set_options(handle_.get(), flags);
+    optionsChanged_ = true;
 }
 
 int ArchiveDiskWriter::writeDataBlock(const void* buffer, std::size_t size, la_int64_t offset) {

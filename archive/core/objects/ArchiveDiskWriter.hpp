@@ -25,7 +25,9 @@ class ArchiveDiskWriter {
     // As the options say: confine (libarchive's secure-extraction flags, on the folder's
     // canonical form; listed paths are still shown under the caller's name), safeWrites
     // (a replacement goes through a temporary), keepExisting (an existing file is left
-    // alone; the caller warns before that happens).
+    // alone; the caller warns before that happens). With either of the last two, a hard link
+    // carrying data gets a file of its own instead of writing into the file it names; with
+    // safe writes, a folder entry still replaces a file in its way.
     ArchiveDiskWriter(const std::u16string& outputFolder, const ExtractOptions& options);
     ~ArchiveDiskWriter();
     ArchiveDiskWriter(const ArchiveDiskWriter&) = delete;
@@ -47,6 +49,10 @@ class ArchiveDiskWriter {
 
     // libarchive's status; a full disk raises DiskSpaceFull.
     int writeDataBlock(const void* buffer, std::size_t size, la_int64_t offset);
+
+    // Whether the entry whose header was written last goes to a temporary that replaces,
+    // when the entry is finished, what is now at its path.
+    bool writesThroughTemporary() const noexcept { return linkDataToTemporary_; }
 
     // Lists the entry's path (folders with a trailing separator) once its data is copied.
     void recordWrittenFile(::archive_entry* entry);
@@ -74,13 +80,23 @@ class ArchiveDiskWriter {
 
     void open(int flags);
     std::u16string shown(std::u16string path) const;
+    int writeEntryHeader(::archive_entry* entry);
+    int writeLinkThenFile(::archive_entry* entry);
+    void useOptionsForThisEntry(int flags);
 
     std::unique_ptr<::archive, HandleCloser> handle_;
+    int flags_ = 0;
+    // The entry written last was written with other options than flags_, kept until it is
+    // finished.
+    bool optionsChanged_ = false;
     std::vector<std::u16string> writtenFiles_;
     tessel::host::HostPath outputFolder_;
     std::optional<tessel::host::HostPath> currentEntryPath_;
     bool confine_ = false;
     bool safeWrites_ = false;
+    // A hard link carrying data gets a file of its own (the option calls).
+    bool ownFileForLinkData_ = false;
+    bool linkDataToTemporary_ = false;
     // The output folder as the caller named it, when the writer works on its canonical
     // form.
     std::optional<std::u16string> shownFolder_;
