@@ -32,6 +32,9 @@ template <class... Handlers>
 struct Overloaded : Handlers... {
     using Handlers::operator()...;
 };
+// clang 14 deduces an aggregate's template arguments only with a guide.
+template <class... Handlers>
+Overloaded(Handlers...) -> Overloaded<Handlers...>;
 
 // Defines the option in the app, filling the field its row names.
 void addOption(CLI::App& app, OptionId id, CommandLine& result, std::string& levelText) {
