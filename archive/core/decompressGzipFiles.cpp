@@ -1,5 +1,6 @@
 #include <archive/core/decompressGzipFiles.hpp>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -24,6 +25,19 @@
 namespace tessel::io::archive::core {
 
 namespace {
+
+// The input's permission bits and modification time on the output's entry (the disk
+// writer applies both), as gzip gives them; read from the descriptor when reading one.
+void takeInputMode(::archive_entry* entry, const tessel::host::HostPath& input,
+                   int inputDescriptor) {
+    struct stat info {};
+    const int status = inputDescriptor >= 0 ? ::fstat(inputDescriptor, &info)
+                                            : ::stat(input.access().c_str(), &info);
+    if (status == 0 && S_ISREG(info.st_mode)) {
+        archive_entry_set_perm(entry, info.st_mode & 0777);
+        archive_entry_set_mtime(entry, info.st_mtim.tv_sec, info.st_mtim.tv_nsec);
+    }
+}
 
 using tessel::host::HostPath;
 
@@ -177,6 +191,10 @@ std::vector<std::u16string> decompressGzipFiles(const std::vector<std::u16string
                 reader->checkGzipTrailer();
             } else if (found == 1) {
                 setOutputPathname(entry, outputPath);
+                if (options.gunzipKeepsInputMode) {
+                    takeInputMode(entry, inputPath,
+                                  &file == &files.front() ? options.inputDescriptor : -1);
+                }
                 outputIsNew = nothingAt(outputPath);
                 writer->writeHeader(entry, ArchiveFormat::Gz);
                 copyEntryData(block, *reader, *writer, entry, hooks);
@@ -187,6 +205,10 @@ std::vector<std::u16string> decompressGzipFiles(const std::vector<std::u16string
                 // A valid stream with no data: libarchive reports the end at once.
                 setOutputPathname(entry, outputPath);
                 archive_entry_set_perm(entry, kEmptyOutputMode);
+                if (options.gunzipKeepsInputMode) {
+                    takeInputMode(entry, inputPath,
+                                  &file == &files.front() ? options.inputDescriptor : -1);
+                }
                 writer->writeHeader(entry, ArchiveFormat::Gz);
                 writer->recordWrittenFile(entry);
             }

@@ -5,7 +5,9 @@ namespace tessel::io::archive::core {
 
 std::vector<std::u16string> uncompressgz(const std::vector<std::u16string>& files,
                                          const std::u16string& outputFolder, bool exactOutputPath) {
-    return decompressGzipFiles(files, outputFolder, exactOutputPath, ExtractOptions(),
+    ExtractOptions options;
+    options.gunzipKeepsInputMode = false;
+    return decompressGzipFiles(files, outputFolder, exactOutputPath, options,
                                GunzipFailureTable::Uncompressgz);
 }
 

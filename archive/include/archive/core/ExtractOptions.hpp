@@ -67,6 +67,10 @@ struct ExtractOptions {
     int inputDescriptor = -1;
     // uncompressgzWithOptions only: write the one decompressed file here instead.
     int outputDescriptor = -1;
+    // uncompressgzWithOptions: a file it writes takes its input's permission bits and
+    // modification time, as gzip does, so a private input never gives a readable output.
+    // uncompressgz turns this off: its outputs get mode 0644.
+    bool gunzipKeepsInputMode = true;
 
     // listArchive: read each zip entry's data to measure its compressed size, which
     // libarchive does not report (costs a decompression of every entry).
