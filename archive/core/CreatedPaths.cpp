@@ -124,11 +124,19 @@ void CreatedPaths::confirm(const std::string& path, const Plan& plan, bool isFol
     settle();
     const std::string target = withoutTrailingSeparators(path);
     for (const std::string& folder : plan.missingFolders) {
-        recordMade(folder);
+        if (folder == plan.fileInTheWay) {
+            recordReplacingFolder(folder);
+        } else {
+            recordMade(folder);
+        }
     }
     if (!plan.targetExists || (isFolder && !plan.targetIsFolder)) {
         // New, or a folder that replaced a file.
-        recordMade(target);
+        if (plan.targetExists) {
+            recordReplacingFolder(target);
+        } else {
+            recordMade(target);
+        }
         if (settlesLater) {
             unsettled_.push_back(target);
         }
@@ -184,6 +192,25 @@ void CreatedPaths::recordMade(const std::string& path) {
     }
 }
 
+bool CreatedPaths::madeByThisCall(const std::string& path) const {
+    const auto parent = index_.find(parentOf(path));
+    return parent != index_.end() && folders_[parent->second].made.contains(nameOf(path));
+}
+
+void CreatedPaths::recordReplacingFolder(const std::string& path) {
+    const bool replacesCallersFile = !madeByThisCall(path);
+    recordMade(path);
+    if (replacesCallersFile) {
+        const auto parent = index_.find(parentOf(path));
+        if (parent != index_.end()) {
+            if (const auto made = folders_[parent->second].made.find(nameOf(path));
+                made != folders_[parent->second].made.end()) {
+                made->second.kept = true;
+            }
+        }
+    }
+}
+
 void CreatedPaths::settle() {
     for (const std::string& path : unsettled_) {
         recordMade(path);
@@ -235,6 +262,9 @@ void CreatedPaths::removeMadeIn(const Folder& folder) const {
         if (::fstatat(opened.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0 ||
             !same(made.identity, status) || S_ISDIR(status.st_mode) != made.isFolder) {
             continue;  // not what this call made
+        }
+        if (made.kept) {
+            continue;
         }
         // A folder only when empty: anything else in it is not ours.
         ::unlinkat(opened.get(), name.c_str(), made.isFolder ? AT_REMOVEDIR : 0);

@@ -57,6 +57,9 @@ class CreatedPaths {
     struct Made {
         Identity identity;
         bool isFolder = false;
+        // A folder that replaced a file the caller had: what the call put in it is taken
+        // back, the folder stays, as any replaced file stays replaced.
+        bool kept = false;
     };
     struct Folder {
         std::string path;
@@ -71,6 +74,9 @@ class CreatedPaths {
     Folder& folder(const std::string& path);
     void remember(const std::string& path, const Identity& identity, bool created, bool followed);
     void recordMade(const std::string& path);
+    bool madeByThisCall(const std::string& path) const;
+    // recordMade, for a folder that replaced a file: kept unless the file was this call's.
+    void recordReplacingFolder(const std::string& path);
     void settle();
     int openFolder(const std::string& path) const;
     void removeMadeIn(const Folder& folder) const;

@@ -203,3 +203,44 @@ TEST(ExistingFiles, OtherToolsLeaveTheFileALinkWithDataNames) {
 
 }  // namespace
 }  // namespace tqtest
+
+namespace tqtest {
+namespace {
+
+// A file replaced by a folder stays replaced when the call fails later: the cleanup takes
+// back what the call put in the folder, and the name never vanishes.
+TEST(ExistingFiles, AFileReplacedByAFolderStaysReplacedWhenTheCallFails) {
+    struct Row {
+        std::string name;
+        std::string members;  // between a new file and an entry that fails the call
+        std::string left;     // the output folder afterwards
+    };
+    const std::vector<Row> rows = {
+        {.name = "a folder entry replaces the file, and stays",
+         .members = "folder('victim.txt/'), reg('victim.txt/inner.txt', b'in')",
+         .left = "other.txt=mine too victim.txt/"},
+        {.name = "an entry beneath the file leaves it whole",
+         .members = "reg('victim.txt/inner.txt', b'in')",
+         .left = "other.txt=mine too victim.txt=mine"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        TempDir dir;
+        writeFile(dir / "out/victim.txt", "mine");
+        writeFile(dir / "out/other.txt", "mine too");
+        python(dir.path(), "tar('t.tar', reg('new.txt', b'n'), " + row.members +
+                               ", reg('../escape.txt', b'x'))");
+        const std::string said = outcome(
+            [&] {
+                return core::extractArchiveWithOptions(u16(dir / "t.tar"), u16(dir / "out"), u"tar",
+                                                       core::ExtractOptions::safe())
+                    .written;
+            },
+            dir.path());
+        EXPECT_NE(said.find("!extractArchive:entryOutsideFolder"), std::string::npos) << said;
+        EXPECT_EQ(listing(dir / "out"), row.left);
+    }
+}
+
+}  // namespace
+}  // namespace tqtest
