@@ -97,6 +97,14 @@ write(seeds, "folder-over-existing-file.tar", tar([
     ("dir/b.txt/", DIR, "", b""),
     ("shared.txt/", DIR, "", b""),
 ]))
+# The same, then an entry that fails the call: the cleanup must not take the folder that
+# replaced a planted file, or the file's name vanishes.
+write(seeds, "folder-over-existing-file-then-refused.tar", tar([
+    first,
+    ("a.txt/", DIR, "", b""),
+    ("a.txt/inner.txt", REG, "", b"in\n"),
+    ("../escape.txt", REG, "", b"x\n"),
+]))
 
 # Hostile cases extraction refuses or handles.
 write(seeds, "hardlink-data-onto-shared.tar", tar([
