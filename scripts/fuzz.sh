@@ -139,7 +139,7 @@ SANDBOX
 
 if $check; then
   failing=0
-  if [ ${#inputs[@]} -eq 0 ]; then inputs=("$results"/seeds/* "$results"/seeds-open/*); fi
+  if [ ${#inputs[@]} -eq 0 ]; then shopt -s nullglob; inputs=("$results"/seeds/* "$results"/seeds-open/*); shopt -u nullglob; fi
   for seed in "${inputs[@]}"; do
     for target in archive_fuzzer confinement_fuzzer; do
       if CORPORA="" sandboxed "$results/check.log" "$repo/build-fuzz/fuzz/$target" "$seed"; then
