@@ -10,27 +10,6 @@
 namespace clitest {
 namespace {
 
-// Python: pax(path, *members) writes a pax archive, and linkWithData(name, target, data) a
-// hard-link member whose size and body are its data (tarfile writes a hard link's size as 0).
-const char* kPaxHelpers = R"(
-def linkWithData(name, target, data):
-    i = tarfile.TarInfo(name); i.linkname = target; i.size = len(data); i.mode = 0o644
-    i.mtime = 981173106; i.pax_headers = {'comment': 'carries data'}
-    b = bytearray(i.tobuf(tarfile.PAX_FORMAT, 'utf-8', 'surrogateescape'))
-    h = len(b) - 512
-    b[h + 156] = ord('1')
-    b[h + 148:h + 156] = b' ' * 8
-    b[h + 148:h + 155] = ('%06o\0' % sum(b[h:h + 512])).encode()
-    return bytes(b) + data + b'\0' * (-len(data) % 512)
-def pax(path, *members):
-    out = b''
-    for m in members:
-        if isinstance(m, bytes): out += m; continue
-        i, data = m; out += i.tobuf(tarfile.PAX_FORMAT, 'utf-8', 'surrogateescape')
-        if data: out += data + b'\0' * (-len(data) % 512)
-    open(path, 'wb').write(out + b'\0' * 1024)
-)";
-
 struct SafetyRow {
     std::string name;
     std::string members;     // Python: the members of a.tar, for pax(...)
@@ -93,7 +72,7 @@ TEST(ExtractSafety, ExistingFilesAreNeverRewrittenInPlaceNorEmptied) {
         writeFile(dir / "out/victim.txt", "victim\n");
         fs::create_directories(dir / "outside");
         fs::create_hard_link(dir / "out/victim.txt", dir / "outside/linked.txt");
-        python(dir.path(), std::string(kPaxHelpers) + "pax('a.tar', " + row.members + ")");
+        python(dir.path(), "pax('a.tar', " + row.members + ")");
 
         const CliResult result = tqarchive(dir.path(), "untar a.tar -d out " + row.options);
 
@@ -115,8 +94,7 @@ TEST(ExtractSafety, ASignalDuringTheDataOfALinkLeavesTheFileItNamesAsItWas) {
     TempDir dir;
     const std::string victim = randomBytes(1 << 20, 7);
     writeFile(dir / "out/victim.txt", victim);
-    python(dir.path(), std::string(kPaxHelpers) +
-                           "pax('a.tar', linkWithData('h', 'victim.txt', os.urandom(2 << 20)))");
+    python(dir.path(), "pax('a.tar', linkWithData('h', 'victim.txt', os.urandom(2 << 20)))");
     const std::string run =
         "((head -c 1000000 a.tar; sleep 2; tail -c +1000001 a.tar) | env --default-signal=INT " +
         program() +

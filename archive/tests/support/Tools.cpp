@@ -24,6 +24,22 @@ def tar(path, *members):
     with tarfile.open(path, 'w', format=tarfile.GNU_FORMAT, encoding='utf-8',
                       errors='surrogateescape') as t:
         for i, data in members: t.addfile(i, io.BytesIO(data) if data is not None else None)
+def linkWithData(name, target, data):
+    i = tarfile.TarInfo(name); i.linkname = target; i.size = len(data); i.mode = 0o644
+    i.mtime = 981173106; i.pax_headers = {'comment': 'carries data'}
+    b = bytearray(i.tobuf(tarfile.PAX_FORMAT, 'utf-8', 'surrogateescape'))
+    h = len(b) - 512
+    b[h + 156] = ord('1')
+    b[h + 148:h + 156] = b' ' * 8
+    b[h + 148:h + 155] = ('%06o\0' % sum(b[h:h + 512])).encode()
+    return bytes(b) + data + b'\0' * (-len(data) % 512)
+def pax(path, *members):
+    out = b''
+    for m in members:
+        if isinstance(m, bytes): out += m; continue
+        i, data = m; out += i.tobuf(tarfile.PAX_FORMAT, 'utf-8', 'surrogateescape')
+        if data: out += data + b'\0' * (-len(data) % 512)
+    open(path, 'wb').write(out + b'\0' * 1024)
 )";
 
 }  // namespace

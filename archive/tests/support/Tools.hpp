@@ -32,6 +32,9 @@ CommandResult runIn(const fs::path& dir, const std::string& commandLine);
 // GNU tar from reg(name, data, mode), folder(name), sym(name, target), hard(name, target),
 // node(name, tarfile.BLKTYPE/CHRTYPE/FIFOTYPE, major, minor, mode); names may be bytes
 // that are not UTF-8. Members claim uid and gid 1234 (reg takes another as owner).
+// pax(path, *members) writes a pax archive of the same members, or of raw member bytes such
+// as linkWithData(name, target, data): a hard link whose size and body are its data, as pax
+// allows (tarfile always writes a hard link's size as 0).
 std::string python(const fs::path& dir, const std::string& code);
 
 // A password that libarchive refuses at once for the archive in the folder: encryption
