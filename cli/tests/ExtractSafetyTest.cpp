@@ -110,18 +110,6 @@ TEST(ExtractSafety, ASignalDuringTheDataOfALinkLeavesTheFileItNamesAsItWas) {
     EXPECT_EQ(names, std::vector<std::string>{"victim.txt"});
 }
 
-// Waits for out/d, puts the link out/s (to other) beside it, then swaps the two names with
-// renameat2's RENAME_EXCHANGE until killed.
-const char* kRacer = R"(import ctypes, os, sys
-libc = ctypes.CDLL(None, use_errno=True)
-out, other = sys.argv[1], sys.argv[2]
-d, s = (out + '/d').encode(), (out + '/s').encode()
-open(out + '.ready', 'w').close()
-while not os.path.isdir(d): pass
-os.symlink(os.path.abspath(other), s)
-while True: libc.renameat2(-100, d, -100, s, 2)
-)";
-
 // While untar runs, another process swaps out/d, which it made, with a link to another
 // folder; an entry that gets out comes last and makes the run take back what it made. The
 // other folder keeps every file, whenever the swaps came.
@@ -134,7 +122,7 @@ TEST(ExtractSafety, ACleanupRacingAFolderSwapRemovesNothingOfTheFolderSwappedIn)
            "for attempt in range(2):\n"
            "    os.makedirs('other%d' % attempt)\n"
            "    for n in range(8000): open('other%d/f%05d' % (attempt, n), 'w').write('theirs')");
-    writeFile(dir / "racer.py", kRacer);
+    writeFile(dir / "racer.py", kFolderSwapRacer);
     for (int attempt = 0; attempt < 2; ++attempt) {
         SCOPED_TRACE("attempt " + std::to_string(attempt));
         const std::string out = "out" + std::to_string(attempt);

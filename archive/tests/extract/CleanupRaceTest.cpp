@@ -18,19 +18,6 @@ namespace {
 
 constexpr int kFiles = 8000;
 
-// Waits for out/d, puts the link out/s (to other) beside it, then swaps the two names
-// until killed.
-const char* kRacer = R"(import ctypes, os, sys
-libc = ctypes.CDLL(None, use_errno=True)
-out, other = sys.argv[1], sys.argv[2]
-d, s = (out + '/d').encode(), (out + '/s').encode()
-open(out + '.ready', 'w').close()
-while not os.path.isdir(d): pass
-os.symlink(os.path.abspath(other), s)
-open(out + '.racing', 'w').close()
-while True: libc.renameat2(-100, d, -100, s, 2)
-)";
-
 // The racing process, killed when the test is done with it.
 class Racer {
   public:
@@ -78,7 +65,7 @@ TEST(CleanupRace, AFolderSwappedWithALinkDuringTheCleanupLosesNothingOfTheOtherF
            "tar('race.tar', folder('d'), *[reg('d/f%05d' % n, b'ours') for n in "
            "range(" +
                std::to_string(kFiles) + ")], reg('../x', b'out'))");
-    writeFile(dir / "racer.py", kRacer);
+    writeFile(dir / "racer.py", kFolderSwapRacer);
     for (int attempt = 0; attempt < 3; ++attempt) {
         SCOPED_TRACE("attempt " + std::to_string(attempt));
         const fs::path out = dir / ("out" + std::to_string(attempt));

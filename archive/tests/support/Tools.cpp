@@ -44,6 +44,17 @@ def pax(path, *members):
 
 }  // namespace
 
+const char* const kFolderSwapRacer = R"(import ctypes, os, sys
+libc = ctypes.CDLL(None, use_errno=True)
+out, other = sys.argv[1], sys.argv[2]
+d, s = (out + '/d').encode(), (out + '/s').encode()
+open(out + '.ready', 'w').close()
+while not os.path.isdir(d): pass
+os.symlink(os.path.abspath(other), s)
+open(out + '.racing', 'w').close()
+while True: libc.renameat2(-100, d, -100, s, 2)
+)";
+
 CommandResult runIn(const fs::path& dir, const std::string& commandLine) {
     return runCommand("cd " + shellQuote(dir.string()) + " && " + commandLine);
 }

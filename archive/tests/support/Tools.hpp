@@ -37,6 +37,11 @@ CommandResult runIn(const fs::path& dir, const std::string& commandLine);
 // allows (tarfile always writes a hard link's size as 0).
 std::string python(const fs::path& dir, const std::string& code);
 
+// Python, run as "racer.py OUT OTHER": waits for OUT/d, puts the link OUT/s (to OTHER)
+// beside it, then swaps the two names with renameat2's RENAME_EXCHANGE until killed;
+// OUT.ready and OUT.racing mark its start and its first swap.
+extern const char* const kFolderSwapRacer;
+
 // A password that libarchive refuses at once for the archive in the folder: encryption
 // headers are random, so a fixed wrong one passes the header check now and then.
 std::string rejectedPassword(const fs::path& dir, const std::string& archive);
